@@ -1,0 +1,157 @@
+#!/usr/bin/env bash
+# Builds and runs everything from a bare Debian 12: see usage below.
+set -euo pipefail
+cd "$(dirname "$(readlink -f "$0")")"
+# shellcheck source=dependencies.env
+source dependencies.env
+
+usage() {
+  cat <<'EOF'
+Usage: ./bootstrap.sh COMMAND
+  demo    build the libraries and tools, simulate a run, show it and check that it reads back as it was written
+  test    build everything and run all tests
+  check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, sanitizers, line coverage
+Each installs what it needs (Debian packages as root, ROOT into .venv unless ROOT_DIR or thisroot.sh names one)
+and uses again what is there already.
+EOF
+}
+
+say() { printf '\n== %s\n' "$*"; }
+die() {
+  printf 'bootstrap.sh: %s\n' "$*" >&2
+  exit 1
+}
+
+# The packages named by the arguments, if any is missing: installed as root, else named in one line.
+need_packages() {
+  command -v dpkg-query > /dev/null || return 0 # not Debian: CMake says what it misses
+  local missing=() package
+  for package in "$@"; do
+    # A Python of the user's own that can make virtual environments is as good as Debian's.
+    if [[ $package == python3* ]] && python3 -c 'import venv, ensurepip' 2> /dev/null; then continue; fi
+    dpkg-query -W -f '${Status}' "$package" 2> /dev/null | grep -q '^install ok installed' || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+  ((EUID == 0)) || die "Debian packages are missing; install them with: sudo apt-get install -y ${missing[*]}"
+  say "Installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -q > build/apt.log 2>&1 || die "apt-get update failed: see build/apt.log; is the network there?"
+  apt-get install -y -q --no-install-recommends "${missing[@]}" >> build/apt.log 2>&1 ||
+    die "apt-get install ${missing[*]} failed: see build/apt.log"
+}
+
+# Python packages into .venv, once for each list of pins.
+need_python() {
+  local stamp
+  stamp=".venv/installed-$(printf '%s ' "$@" | cksum | cut -d' ' -f1)"
+  if [[ -e $stamp ]]; then return 0; fi
+  say "Installing $* into .venv"
+  [[ -x .venv/bin/pip ]] || python3 -m venv .venv || die "python3 -m venv failed: install python3-venv, or remove .venv"
+  .venv/bin/pip install -q --disable-pip-version-check "$@" > build/pip.log 2>&1 ||
+    die "pip install $* failed: see build/pip.log; is the network there, and is python3 3.9 or later?"
+  touch "$stamp"
+}
+
+at_least() { [[ "$(printf '%s\n%s\n' "$1" "$2" | sort -V | head -n 1)" == "$1" ]]; }
+
+# Sets ROOT_DIR, the folder of ROOTConfig.cmake: the user's own ROOT, or the one in .venv.
+find_root() {
+  if [[ -z ${ROOT_DIR:-} ]] && command -v root-config > /dev/null; then
+    local version
+    version=$(root-config --version | tr / .)
+    at_least "$ROOT_MINIMUM" "$version" ||
+      die "the ROOT in PATH is $version; $ROOT_MINIMUM or later is needed: source another thisroot.sh, or take it out of PATH"
+    ROOT_DIR=$(root-config --prefix)/cmake
+  fi
+  if [[ -n ${ROOT_DIR:-} ]]; then
+    [[ -e $ROOT_DIR/ROOTConfig.cmake ]] ||
+      die "ROOT_DIR=$ROOT_DIR has no ROOTConfig.cmake: name the 'cmake' folder of your ROOT, or unset ROOT_DIR"
+    export ROOT_DIR
+    return
+  fi
+  # shellcheck disable=SC2086 # a list of pins
+  need_python $ROOT_PYTHON
+  local lib
+  lib=$(echo "$PWD"/.venv/lib/python3*)
+  # The package's CMake files name a folder that does not exist (root-project/root issue 22654).
+  [[ -e $lib/mock_site_packages ]] || ln -s site-packages "$lib/mock_site_packages"
+  export ROOT_DIR=$lib/site-packages/ROOT/cmake
+}
+
+# build PRESET [CMake options...]: configures and builds in build/PRESET.
+build() {
+  local preset=$1
+  shift
+  say "Building build/$preset"
+  cmake --preset "$preset" -DROOT_DIR="$ROOT_DIR" "$@" > "build/configure-$preset.log" 2>&1 ||
+    {
+      tail -n 20 "build/configure-$preset.log" >&2
+      die "CMake could not configure: see build/configure-$preset.log"
+    }
+  cmake --build "build/$preset" > "build/build-$preset.log" 2>&1 ||
+    {
+      grep -m 20 -E 'error|Error|FAILED' "build/build-$preset.log" >&2 || true
+      die "the build failed: see build/build-$preset.log"
+    }
+  grep -E 'warning:' "build/build-$preset.log" || true
+}
+
+run_tests() { # PRESET
+  say "Testing build/$1"
+  ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j "$(nproc)" || die "tests failed"
+}
+
+demo() {
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES
+  find_root
+  build release -DBUILD_TESTING=OFF
+  cmake/demo.sh build/release/bin build/demo
+}
+
+run_test_command() {
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $TEST_PACKAGES
+  find_root
+  # shellcheck disable=SC2086
+  need_python $TEST_PYTHON
+  build release -DBUILD_TESTING=ON
+  run_tests release
+}
+
+check() {
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $TEST_PACKAGES $CHECK_PACKAGES
+  find_root
+  # shellcheck disable=SC2086
+  need_python $TEST_PYTHON
+
+  say "Layout (clang-format)"
+  git ls-files '*.h' '*.cc' | xargs clang-format --dry-run -Werror || die "run clang-format -i on the files above"
+
+  say "clang-tidy"
+  build release -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
+  git ls-files '*/src/*.cc' 'VdUtil/root/*.cc' | xargs -P "$(nproc)" -n 1 clang-tidy -p build/release --quiet ||
+    die "clang-tidy has findings"
+
+  # One instrumented build serves sanitizers and coverage; warnings are errors in it.
+  build sanitize -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
+  # shellcheck source=cmake/sanitizers.sh
+  (source cmake/sanitizers.sh && run_tests sanitize)
+
+  say "Line coverage"
+  gcovr --root . --object-directory build/sanitize --filter 'StnEvent/src/' --filter 'VdUtil/' --filter 'MrEvent/src/' \
+    --exclude '.*/test/.*' --exclude-throw-branches --fail-under-line 95 build/sanitize || die "less than 95 % of the lines are covered"
+}
+
+mkdir -p build
+case "${1:-}" in
+  demo) demo ;;
+  test) run_test_command ;;
+  check) check ;;
+  -h | --help | help) usage ;;
+  *)
+    usage >&2
+    exit 2
+    ;;
+esac
