@@ -78,16 +78,22 @@ find_root() {
   export ROOT_DIR=$lib/site-packages/ROOT/cmake
 }
 
-# build PRESET [CMake options...]: configures and builds in build/PRESET.
-build() {
+# configure PRESET [CMake options...]: in build/PRESET.
+configure() {
   local preset=$1
   shift
-  say "Building build/$preset"
   cmake --preset "$preset" -DROOT_DIR="$ROOT_DIR" "$@" > "build/configure-$preset.log" 2>&1 ||
     {
       tail -n 20 "build/configure-$preset.log" >&2
       die "CMake could not configure: see build/configure-$preset.log"
     }
+}
+
+# build PRESET [CMake options...]: configures and builds.
+build() {
+  local preset=$1
+  say "Building build/$preset"
+  configure "$@"
   cmake --build "build/$preset" > "build/build-$preset.log" 2>&1 ||
     {
       grep -m 20 -E 'error|Error|FAILED' "build/build-$preset.log" >&2 || true
@@ -130,7 +136,7 @@ check() {
   git ls-files '*.h' '*.cc' | xargs clang-format --dry-run -Werror || die "run clang-format -i on the files above"
 
   say "clang-tidy"
-  build release -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
+  configure release -DBUILD_TESTING=ON
   git ls-files '*/src/*.cc' 'VdUtil/root/*.cc' | xargs -P "$(nproc)" -n 1 clang-tidy -p build/release --quiet ||
     die "clang-tidy has findings"
 
