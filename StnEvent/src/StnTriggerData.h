@@ -1,0 +1,23 @@
+#ifndef StnEvent_StnTriggerData_h
+#define StnEvent_StnTriggerData_h
+
+#include <TObject.h>
+
+#include <iostream>
+
+/// A place for trigger information in events and files. It holds nothing yet.
+class TStnTriggerData : public TObject {
+ public:
+  TStnTriggerData();
+  TStnTriggerData(const TStnTriggerData& rhs);
+  /// Copies nothing.
+  TStnTriggerData& operator=(const TStnTriggerData& rhs);
+  ~TStnTriggerData() override;
+
+  /// Prints nothing, but logs a warning.
+  void Show(std::ostream& ostr = std::cout) const;
+
+  ClassDefOverride(TStnTriggerData, 1)  // trigger information (unused)
+};
+
+#endif
