@@ -1,0 +1,153 @@
+#ifndef MrEvent_FadcData_h
+#define MrEvent_FadcData_h
+
+#include <VdUtil/VdNumbering.h>
+
+#include <Rtypes.h>
+#include <TObject.h>
+
+#include <iostream>
+
+/// The FADC trace of one pixel. The sample of bin b stands in word b of the record; bins of 2000 and above have no word.
+class TFADCData : public TObject {
+ public:
+  /// Number of bins that a trace is digitised in. The underlying type is fixed, so that all two-bit values are values.
+  enum FADCTraceResolution : Int_t {
+    kFADC_RESOLUTION_1000_BINS = 0,
+    kFADC_RESOLUTION_2000_BINS = 1,
+    kFADC_RESOLUTION_4000_BINS = 2,
+    kFADC_DEFAULT_RESOLUTION = 1
+  };
+
+  /// Words of a record.
+  static constexpr UInt_t kNFADCWords = 2000;
+
+  /// Monitoring values of the pixel.
+  struct _PixelMonitorDataRec {
+    unsigned int fPrevThreshold;
+    unsigned int fActualThreshold;
+    unsigned int fActualRate;
+    double fMean;
+    double fVariance;
+  };
+
+  /// First and last bin, and an FADCTraceResolution. The fields can be reached directly or through fBits.
+  union _FADCTraceInfoRec {
+    UInt_t fWord;
+    struct {
+      UInt_t fStartBin : 12;
+      UInt_t fEndBin : 12;
+      UInt_t fResolution : 2;
+      UInt_t : 6;
+    };
+    struct {
+      UInt_t fStartBin : 12;
+      UInt_t fEndBin : 12;
+      UInt_t fResolution : 2;
+      UInt_t : 6;
+    } fBits;
+  };
+
+  /// One sample and its flags. The fields can be reached directly or through fBits.
+  union _FADCDataWordRec {
+    UShort_t fWord;
+    struct {
+      UShort_t fData : 12;
+      UShort_t fUnused1 : 1;
+      UShort_t fUnused2 : 1;
+      UShort_t fThresholdChanged : 1;
+      UShort_t fPixelTrigger : 1;
+    };
+    struct {
+      UShort_t fData : 12;
+      UShort_t fUnused1 : 1;
+      UShort_t fUnused2 : 1;
+      UShort_t fThresholdChanged : 1;
+      UShort_t fPixelTrigger : 1;
+    } fBits;
+  };
+
+  /// The data of a trace.
+  struct _FADCDataRec {
+    _PixelNumber fPixelNumber;
+    _PixelMonitorDataRec fMonitor;
+    _FADCTraceInfoRec fTraceInfo;
+    Float_t fTraceStartTime;
+    _FADCDataWordRec fFadcData[kNFADCWords];
+  };
+
+  /// Owns a record of zeros with the default resolution.
+  TFADCData();
+  /// Refers to the record, which must outlive the object, and neither copies nor deletes it: what is written through
+  /// this object is written into the record. With null the same as the default constructor.
+  explicit TFADCData(_FADCDataRec* record);
+  /// Owns a deep copy of the record, whether or not the source owns its.
+  TFADCData(const TFADCData& rhs);
+  /// Copies the record into one that this object owns; a record that was only referred to stays as it was. The TObject
+  /// part stays.
+  TFADCData& operator=(const TFADCData& rhs);
+  ~TFADCData() override;
+
+  /// The data themselves.
+  const _FADCDataRec* GetRecord() const { return fRecord; }
+  _FADCDataRec* GetRecord() { return fRecord; }
+
+  /// The pixel, inside the record.
+  _PixelNumber* GetPixelNumber() const { return &fRecord->fPixelNumber; }
+
+  /// First and last bin of the trace, 0 to 4095.
+  UInt_t GetStartBin() const { return fRecord->fTraceInfo.fStartBin; }
+  UInt_t GetEndBin() const { return fRecord->fTraceInfo.fEndBin; }
+  /// Number of bins from the first to the last; 0 when the last lies before the first.
+  UInt_t GetTraceLength() const { return GetEndBin() < GetStartBin() ? 0 : GetEndBin() + 1 - GetStartBin(); }
+
+  /// How finely the trace is digitised.
+  FADCTraceResolution GetResolution() const {
+    return static_cast<FADCTraceResolution>(UInt_t(fRecord->fTraceInfo.fResolution));
+  }
+  /// Number of bins that the trace's resolution stands for.
+  UInt_t GetNFADCBins() const { return GetNFADCBins(GetResolution()); }
+  /// 1000, 2000 or 4000 by the resolution's name; 0 for a value without a name.
+  static UInt_t GetNFADCBins(FADCTraceResolution resolution);
+
+  /// Start of the trace, as the mirror gave it.
+  Float_t GetTraceStartTime() const { return fRecord->fTraceStartTime; }
+  /// Sample of a bin, 12 bits without its flags; 0 for a bin that has no word.
+  UInt_t GetSample(UInt_t bin) const { return bin < kNFADCWords ? UInt_t(fRecord->fFadcData[bin].fData) : 0; }
+
+  /// Back to a new object.
+  void Clear(Option_t* option = "") override;
+  /// Prints pixel, bins, resolution, start time and monitoring values, and the samples of the trace.
+  void Show(std::ostream& ostr = std::cout) const;
+
+ private:
+  void Own();
+  void Write(TBuffer& b);
+  void Read(TBuffer& b);
+
+  _FADCDataRec* fRecord;  //!
+  bool fIsOwner;          //!
+
+  // Form on file, in use during streaming only. The word of bin b is, modulo 65536,
+  //   fBase + fLow[b - fFirstLow] + 256 * fHigh[b - fFirstHigh],
+  // in which a bin outside fHigh has no high byte, and a bin outside fLow is 0.
+  UInt_t fPixelWord = 0;        // pixel number
+  UInt_t fTraceInfo = 0;        // start bin in bits 0 to 11, end bin in bits 12 to 23, resolution in bits 24 and 25
+  UInt_t fPrevThreshold = 0;    // previous threshold
+  UInt_t fActualThreshold = 0;  // actual threshold
+  UInt_t fActualRate = 0;       // actual rate
+  Double_t fMean = 0;           // mean
+  Double_t fVariance = 0;       // variance
+  Float_t fTraceStartTime = 0;  // start of the trace
+  UShort_t fBase = 0;           // base value of the trace
+  UShort_t fFirstLow = 0;       // bin of the first low byte
+  UShort_t fFirstHigh = 0;      // bin of the first high byte
+  Int_t fNLow = 0;              // number of low bytes
+  Int_t fNHigh = 0;             // number of high bytes
+  UChar_t* fLow = nullptr;      //[fNLow] low bytes of the words' differences to the base
+  UChar_t* fHigh = nullptr;     //[fNHigh] their high bytes, from the first to the last that is not 0
+
+  ClassDefOverride(TFADCData, 1)
+};
+
+#endif
