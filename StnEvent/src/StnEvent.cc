@@ -23,9 +23,9 @@ using VdRoot::TTimeStamp;
 using VdUtil::TimeConvert;
 using VdUtil::Vd;
 
-ClassImp(TStnEvent)
+ClassImp(TStnEvent);
 
-    UInt_t TStnEvent::fgPrintLevel = 0;
+UInt_t TStnEvent::fgPrintLevel = 0;
 
 /// Where a mirror event comes from.
 struct TStnEvent::MirrorPlace {
@@ -40,19 +40,18 @@ struct _LabelClassMapEntry {
   TStnEventHeader::EEventClass fFinalClass;
 };
 
-// One row holds an initial class and, label by label, the class that follows.
-#define LABEL_ROW(initial, unlabelled, accepted, muon, candidate, shower, random, many_pixel, rejected) \
-  {TStnEventHeader::initial, TMirrorEventHeader::kUnlabelled, TStnEventHeader::unlabelled},             \
-      {TStnEventHeader::initial, TMirrorEventHeader::kAcceptedEvent, TStnEventHeader::accepted},        \
-      {TStnEventHeader::initial, TMirrorEventHeader::kMuonEvent, TStnEventHeader::muon},                \
-      {TStnEventHeader::initial, TMirrorEventHeader::kShowerCandidate, TStnEventHeader::candidate},     \
-      {TStnEventHeader::initial, TMirrorEventHeader::kShowerEvent, TStnEventHeader::shower},            \
-      {TStnEventHeader::initial, TMirrorEventHeader::kRandomEvent, TStnEventHeader::random},            \
-      {TStnEventHeader::initial, TMirrorEventHeader::kManyPixelEvent, TStnEventHeader::many_pixel}, {   \
-    TStnEventHeader::initial, TMirrorEventHeader::kRejected, TStnEventHeader::rejected                  \
-  }
-
 // clang-format off
+// One row: an initial class and, label by label, the class that follows.
+#define LABEL_ROW(initial, unlabelled, accepted, muon, candidate, shower, random, many_pixels, rejected) \
+  {TStnEventHeader::initial, TMirrorEventHeader::kUnlabelled, TStnEventHeader::unlabelled},              \
+  {TStnEventHeader::initial, TMirrorEventHeader::kAcceptedEvent, TStnEventHeader::accepted},             \
+  {TStnEventHeader::initial, TMirrorEventHeader::kMuonEvent, TStnEventHeader::muon},                     \
+  {TStnEventHeader::initial, TMirrorEventHeader::kShowerCandidate, TStnEventHeader::candidate},          \
+  {TStnEventHeader::initial, TMirrorEventHeader::kShowerEvent, TStnEventHeader::shower},                 \
+  {TStnEventHeader::initial, TMirrorEventHeader::kRandomEvent, TStnEventHeader::random},                 \
+  {TStnEventHeader::initial, TMirrorEventHeader::kManyPixelEvent, TStnEventHeader::many_pixels},         \
+  {TStnEventHeader::initial, TMirrorEventHeader::kRejected, TStnEventHeader::rejected}
+
 const _LabelClassMapEntry gLabelClassMap[72] = {
     //        initial class,       unlabelled,          accepted,            muon,             candidate,        shower,    random,           many pixels,      rejected
     LABEL_ROW(kUnClassified,       kUnClassified,       kUnhandledSignature, kIsMuon,          kShowerCandidate, kIsShower, kNoise,           kLargeEvent,      kRejected),
