@@ -1,0 +1,10 @@
+# Runs PROGRAM on INPUT and compares what it prints with the file EXPECTED.
+execute_process(COMMAND ${PROGRAM} ${INPUT} OUTPUT_VARIABLE found RESULT_VARIABLE code)
+if(NOT code EQUAL 0)
+  message(FATAL_ERROR "${PROGRAM} ${INPUT} ended with ${code}")
+endif()
+file(READ ${EXPECTED} expected)
+if(NOT found STREQUAL expected)
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/found.json "${found}")
+  message(FATAL_ERROR "${INPUT}: what is read differs from ${EXPECTED}; see ${CMAKE_CURRENT_BINARY_DIR}/found.json")
+endif()
