@@ -122,8 +122,8 @@ class TFADCData : public TObject {
 
  private:
   void Own();
-  void Write(TBuffer& b);
-  void Read(TBuffer& b);
+  void WriteRecord(TBuffer& b);
+  void ReadRecord(TBuffer& b);
 
   _FADCDataRec* fRecord;  //!
   bool fIsOwner;          //!

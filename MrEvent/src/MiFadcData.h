@@ -17,15 +17,10 @@ class TMirrorFADCData : public TObject {
   /// Records of the library of traces, under the names that users of this class know.
   typedef TFADCData::_FADCDataRec _FADCDataRec;
 
-  /// Columns and rows of a camera, both numbered from 1.
-  static constexpr UInt_t kNColumns = 20;
-  static constexpr UInt_t kNRows = 24;
-  static constexpr UInt_t kNPixels = kNColumns * kNRows;
-
-  /// The data: the trace of a pixel at (column - 1) * kNRows + row - 1, null for a pixel without one.
+  /// The data: the trace of a pixel at its number in the mirror less 1, null for a pixel without one.
   struct _MirrorFADCDataRec {
     UInt_t fNumTraces;
-    _FADCDataRec* fTrace[kNPixels];
+    _FADCDataRec* fTrace[VdUtil::Vd::kMI_NEXTPIXELS];
   };
 
   /// No traces.
@@ -65,13 +60,13 @@ class TMirrorFADCData : public TObject {
   void Show(std::ostream& ostr = std::cout) const;
 
  private:
-  void Write(TBuffer& b);
-  void Read(TBuffer& b);
+  void WriteRecord(TBuffer& b);
+  void ReadRecord(TBuffer& b);
 
   _MirrorFADCDataRec fData;     //!
   _MirrorFADCDataRec* fRecord;  //!
 
-  TObjArray* fTraces = nullptr;  // traces by channel, (column - 1) * 24 + row - 1; in use during streaming only
+  TObjArray* fTraces = nullptr;  // traces of the mirror, in use during streaming only
 
   ClassDefOverride(TMirrorFADCData, 1)
 };

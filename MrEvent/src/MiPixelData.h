@@ -13,18 +13,14 @@ class TMirrorPixelData : public TObject {
  public:
   /// Answer of GetFirstTriggeredTimeBin when nothing is triggered.
   static constexpr int kNoTrigger = -1;
-  /// Columns and rows of a camera, both numbered from 1.
-  static constexpr UInt_t kNColumns = 20;
-  static constexpr UInt_t kNRows = 24;
-  static constexpr UInt_t kNPixels = kNColumns * kNRows;
   /// Words of 32 slices for each pixel: 100 slices, and 28 spare bits in the last word.
   static constexpr UInt_t kNWords = 4;
 
-  /// The data. Bit s % 32 of fTrigger[channel][s / 32] is slice s; channel = (column - 1) * kNRows + row - 1.
+  /// The data. Bit s % 32 of fTrigger[n - 1][s / 32] is slice s of the pixel with number n in its mirror.
   struct _MirrorPixelDataRec {
     UInt_t fUnused;
     _MirrorNumber fMirrorNumber;
-    UInt_t fTrigger[kNPixels][kNWords];
+    UInt_t fTrigger[VdUtil::Vd::kMI_NEXTPIXELS][kNWords];
   };
 
   /// No pixel triggered, mirror number 0.
@@ -36,8 +32,10 @@ class TMirrorPixelData : public TObject {
 
   /// The mirror of the installation, inside this object.
   _MirrorNumber* GetMirrorNumber() const { return &fRecord->fMirrorNumber; }
-  /// Copies the whole number.
-  void SetMirrorNumber(_MirrorNumber* number) { fRecord->fMirrorNumber = *number; }
+  /// Copies the whole number; a null pointer is ignored.
+  void SetMirrorNumber(_MirrorNumber* number) {
+    if (number) fRecord->fMirrorNumber = *number;
+  }
   /// Station, 1 to 5.
   UInt_t GetStnNo() const { return VdUtil::Vd::GetStnNo(&fRecord->fMirrorNumber); }
   /// Sets the station; to be called before SetMirrorNo.
@@ -78,8 +76,8 @@ class TMirrorPixelData : public TObject {
   void Show(std::ostream& ostr = std::cout, UInt_t n = VdUtil::Vd::kMI_NSLT_BINS) const;
 
  private:
-  void Write(TBuffer& b);
-  void Read(TBuffer& b);
+  void WriteRecord(TBuffer& b);
+  void ReadRecord(TBuffer& b);
 
   _MirrorPixelDataRec* fRecord;  //!
 
@@ -88,7 +86,7 @@ class TMirrorPixelData : public TObject {
   UInt_t fMirrorNumber = 0;        // station and mirror number
   Int_t fNTriggered = 0;           // number of pixels with a trigger bit
   Int_t fNTriggerWords = 0;        // four words for each of these pixels
-  UShort_t* fChannel = nullptr;    //[fNTriggered] (column - 1) * 24 + row - 1 of these pixels
+  UShort_t* fPixelNo = nullptr;    //[fNTriggered] number of each of these pixels in its mirror, from 1
   UInt_t* fTriggerWord = nullptr;  //[fNTriggerWords] slices, the first in the lowest bit of the first word
 
   ClassDefOverride(TMirrorPixelData, 1)

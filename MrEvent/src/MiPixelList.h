@@ -42,8 +42,8 @@ class TMirrorPixelList : public TObject {
 
  private:
   void Reserve(UInt_t capacity);
-  void Write(TBuffer& b);
-  void Read(TBuffer& b);
+  void WriteRecord(TBuffer& b);
+  void ReadRecord(TBuffer& b);
 
   _MirrorPixelListRec fData;     //!
   _MirrorPixelListRec* fRecord;  //!

@@ -87,7 +87,6 @@ class TMirrorEventHeader : public TObject {
 
   /// The mirror of the installation, inside this object.
   _MirrorNumber* GetMirrorNumber() const { return &fRecord->fMirrorNumber; }
-  void SetMirrorNumber(const _MirrorNumber* number) { fRecord->fMirrorNumber = *number; }
   /// Station, 1 to 5.
   UInt_t GetStnNo() const { return VdUtil::Vd::GetStnNo(&fRecord->fMirrorNumber); }
   /// Sets the station; to be called before SetMirrorNo.
