@@ -534,9 +534,8 @@ void TStnEvent::ClearMirrorSlots(UInt_t mirror) {
 void TStnEvent::RemovePixelData(TMirrorEvent* event, UInt_t mirror) {
   TStnPixelData* pixel_data = GetPixelData();
   const TMirrorPixelData* record = pixel_data->GetPixelData(mirror);
-  if (record == nullptr) return;
-  *event->GetPixelData() = *record;
-  // The slot is taken, so this only warns and the record stays. Callers know both.
+  if (record != nullptr) *event->GetPixelData() = *record;
+  // The slot is taken, so this warns and the record stays: callers know both.
   pixel_data->AddPixelData(nullptr, mirror, false);
 }
 
