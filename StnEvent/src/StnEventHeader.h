@@ -261,14 +261,19 @@ class TStnEventHeader : public TObject {
   static bool IsBitSet(UInt_t bits, UInt_t mirror_id) { return (bits >> ((mirror_id - 1) & 31) & 1) != 0; }
 
   void AdjustMirrorTimeOffset(UInt_t index);
-  void GetCorrectedBinTime(const TFADCData* fadc, UInt_t bins_to_end, UInt_t* sec, UInt_t* nsec);
+  void GetBinTime(const char* prefix, const TFADCData* fadc, UInt_t bin, UInt_t* sec, UInt_t* nsec);
 
   void ReadRecord(TBuffer& R__b);
+  void ReadByDescription(TBuffer& R__b, Version_t R__v, UInt_t R__s, UInt_t R__c);
+  void ReadByHand(TBuffer& R__b, Version_t R__v, UInt_t R__s, UInt_t R__c);
   void ReadFields(TBuffer& R__b, Version_t version);
   void FillMissingFields(Version_t version);
 
+  // A station numbered 5 or above has three mirrors only.
+  UInt_t GetNMirrors() const { return fStnNumber < 5 ? 6 : 3; }
   void ShowIdentity(std::ostream& ostr) const;
   void ShowT3(std::ostream& ostr) const;
+  void ShowTrigger(std::ostream& ostr) const;
   void ShowMirrors(std::ostream& ostr) const;
   void ShowMirror(std::ostream& ostr, UInt_t index) const;
   void ShowTimeCorrection(std::ostream& ostr) const;
