@@ -60,7 +60,7 @@ void SetSlot(T (&slots)[kNMirrors], const T& value, UInt_t mirror_id, const char
   if (IsMirrorId(mirror_id, before, after)) slots[mirror_id - 1] = value;
 }
 
-void SetBit(UChar_t& bits, UInt_t mirror_id, const char* before) {
+void SetMirrorBit(UChar_t& bits, UInt_t mirror_id, const char* before) {
   if (IsMirrorId(mirror_id, before, kIllegalPassed)) bits |= 1u << (mirror_id - 1);
 }
 
@@ -280,11 +280,11 @@ TStnEventHeader::~TStnEventHeader() {}
 // ---- Values of a mirror
 
 void TStnEventHeader::SetMirrorPresent(UInt_t mirror_id) {
-  SetBit(fMirrorStatus, mirror_id, "TStnEventHeader::SetMirrorPresent(");
+  SetMirrorBit(fMirrorStatus, mirror_id, "TStnEventHeader::SetMirrorPresent(");
 }
 
 void TStnEventHeader::SetMirrorDataPresent(UInt_t mirror_id) {
-  SetBit(fMirrorDataBits, mirror_id, "TStnEventHeader::SetMirrorDataPresent(");
+  SetMirrorBit(fMirrorDataBits, mirror_id, "TStnEventHeader::SetMirrorDataPresent(");
 }
 
 void TStnEventHeader::SetMirrorNSkippedTriggers(UInt_t n, UInt_t mirror_id) {
@@ -473,7 +473,7 @@ void TStnEventHeader::SetTimeCorrectionParameters(Short_t start_offset, Short_t 
 }
 
 void TStnEventHeader::SetTimeCorrectionParameters(Float_t t10, Float_t offset) {
-  // The largest offset is the sum second start and phase of a measured second, 127 + 100.
+  // The largest offset is the sum of the largest second start and phase of a measured second, 127 + 100.
   if (!IsPlausible("T10", t10, 50.0, 150.0) || !IsPlausible("offset", offset, -128.0, 227.0)) return;
   fT10Mhz = t10;
   fOffset = offset;
