@@ -47,7 +47,9 @@ class TStnFADCData : public TObject {
   virtual void Show(std::ostream& ostr = std::cout) const;
 
  private:
-  const TFADCData* GetTrace(UInt_t stn_pixel) const;
+  Int_t GetCapacity() const;
+  void Reserve(Int_t capacity);
+  TFADCData* GetTrace(UInt_t stn_pixel) const;
 
   Version_t fStreamerVersion;  //! version read from file
   UInt_t fNTraces;             // Number of FADC traces stored

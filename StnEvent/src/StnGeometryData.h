@@ -19,7 +19,7 @@ class TStnGeometryData : public TObject {
   TStnGeometryData();
   /// The nominal axes of all six telescopes of station `stn_no`. Throws `std::logic_error`, after an error message, if
   /// the station is outside 1 to 5.
-  explicit TStnGeometryData(unsigned int stn_no);
+  TStnGeometryData(unsigned int stn_no);
   TStnGeometryData(const TStnGeometryData&) = default;
   TStnGeometryData& operator=(const TStnGeometryData&) = default;
   ~TStnGeometryData() override;

@@ -49,6 +49,8 @@ class TStnPixelData : public TObject {
   TMirrorPixelData* GetPixelData(UInt_t mirror_id) const;
 
  private:
+  static void CopySlot(TMirrorPixelData*& slot, const TMirrorPixelData* source);
+
   Version_t fStreamerVersion;                               //! version read from file
   TMirrorPixelData* fPixelData[VdUtil::Vd::kSTN_NMIRRORS];  // Pointers to PixelData obj.
 

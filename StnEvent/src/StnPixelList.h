@@ -76,7 +76,8 @@ class TStnPixelList : public TObject {
 
   UInt_t GetNWords() const;
   UInt_t GetWord(UInt_t element) const;
-  void SetVector(UInt_t* words);
+  void ReplaceVector(UInt_t* words);
+  void SetPixel(UInt_t stn_pixel);
   void ReadRecord(TBuffer& b);
   void ReadDescribed(TBuffer& b, Version_t version, UInt_t start, UInt_t count);
   void ReadVersion2(TBuffer& b, UInt_t start, UInt_t count);

@@ -1,0 +1,431 @@
+#include <StnEvent/StnPixelList.h>
+
+#include <MrEvent/MiPixelList.h>
+#include <StnEvent/StnEvent.h>
+#include <VdUtil/ErrorLogger.h>
+#include <VdUtil/VdConfig.h>
+
+#include <Bytes.h>
+#include <TBuffer.h>
+#include <TClass.h>
+#include <TStreamerElement.h>
+#include <TVirtualStreamerInfo.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iomanip>
+#include <set>
+#include <string>
+
+using VdUtil::Vd;
+
+ClassImp(TStnPixelList);
+
+namespace {
+
+// One bit for each station pixel. Every vector has at least so many words, whatever size a file gave it.
+const UInt_t kNWords = Vd::kSTN_NEXTPIXELS / 32;
+
+// ROOT's marks of a byte count before a version: in its four bytes, and in the first two of them.
+const UInt_t kByteCountMask = 0x40000000;
+const UShort_t kByteCountVMask = 0x4000;
+
+bool IsStnPixel(UInt_t stn_pixel) { return stn_pixel >= 1 && stn_pixel <= Vd::kSTN_NEXTPIXELS; }
+
+bool Refuse(const std::string& field, const std::string& found, const std::string& expected) {
+  VD_ERROR << "TStnPixelList::Streamer() - " << field << ": found " << found << ", expected " << expected << std::endl;
+  return false;
+}
+
+/// Looks over a record, from where the buffer stands, before it is read. ROOT trusts the counts that it finds in a
+/// record and reads past the end of a short buffer. What does not fit is reported.
+class TRecordCheck {
+ public:
+  TRecordCheck(const TBuffer& buffer, UInt_t end) : fBuffer(buffer), fPosition(buffer.Length()), fEnd(end) {}
+
+  bool HasFrame() const;
+  bool HasVersion2();
+  bool HasDescribed(const TVirtualStreamerInfo* description);
+
+ private:
+  template <typename T>
+  T Peek(UInt_t offset) const {
+    char* bytes = fBuffer.Buffer() + fPosition + offset;
+    T value;
+    frombuf(bytes, &value);
+    return value;
+  }
+  UInt_t GetLeft() const { return fEnd > fPosition ? fEnd - fPosition : 0; }
+  bool Has(const std::string& field, UInt_t n_bytes) const;
+  bool HasWords(UInt_t n_words) const;
+  bool Skip(const std::string& field, UInt_t n_bytes);
+  bool SkipObject();
+  bool SkipElement(const TStreamerElement& element);
+
+  const TBuffer& fBuffer;
+  UInt_t fPosition;
+  UInt_t fEnd;
+};
+
+bool TRecordCheck::Has(const std::string& field, UInt_t n_bytes) const {
+  if (n_bytes <= GetLeft()) return true;
+  return Refuse(field, std::to_string(GetLeft()) + " bytes", std::to_string(n_bytes));
+}
+
+bool TRecordCheck::Skip(const std::string& field, UInt_t n_bytes) {
+  if (!Has(field, n_bytes)) return false;
+  fPosition += n_bytes;
+  return true;
+}
+
+/// The vector itself, with the size that the record gives it.
+bool TRecordCheck::HasWords(UInt_t n_words) const {
+  const UInt_t limit = GetLeft() / sizeof(UInt_t);
+  if (n_words <= limit) return true;
+  return Refuse("fPixelVectorSize", std::to_string(n_words), "at most " + std::to_string(limit));
+}
+
+/// What `TBuffer::ReadVersion` reads: two bytes, or six with a byte count, but it looks at four in any case. Versions
+/// of 0 and below bring a checksum.
+bool TRecordCheck::HasFrame() const {
+  if (!Has("version", 4)) return false;
+  if (!(Peek<UInt_t>(0) & kByteCountMask)) return true;
+  if (!Has("version", 6)) return false;
+  return Peek<Short_t>(4) > 0 || Has("checksum", 10);
+}
+
+/// What `TObject::Streamer` reads: a version, perhaps with a byte count, the unique id, the flag word, and the process
+/// id if the flag word says that the object is referenced.
+bool TRecordCheck::SkipObject() {
+  if (!Has("TObject", 10)) return false;
+  const UInt_t frame = Peek<UShort_t>(0) & kByteCountVMask ? 6 : 2;
+  if (!Has("TObject", frame + 8)) return false;
+  const bool is_referenced = Peek<UInt_t>(frame + 4) & TObject::kIsReferenced;
+  return Skip("TObject", frame + 8 + (is_referenced ? 2 : 0));
+}
+
+bool TRecordCheck::HasVersion2() {
+  if (!SkipObject() || !Skip("fNPixels", 4) || !Has("fPixelVectorSize", 4)) return false;
+  const auto n_words = Peek<UInt_t>(0);
+  return Skip("fPixelVectorSize", 4) && HasWords(n_words);
+}
+
+/// Bytes of a number on file; 0 for anything else, also for numbers that take other room on file than in memory.
+UInt_t GetNumberSize(const TStreamerElement& element) {
+  using Info = TVirtualStreamerInfo;
+  static const std::set<Int_t> kNumbers = {Info::kChar,   Info::kUChar,  Info::kBool,    Info::kShort,
+                                           Info::kUShort, Info::kInt,    Info::kUInt,    Info::kCounter,
+                                           Info::kFloat,  Info::kLong64, Info::kULong64, Info::kDouble};
+  return kNumbers.count(element.GetType()) ? element.GetSize() : 0;
+}
+
+bool IsPixelVector(const TStreamerElement& element) {
+  const auto* array = dynamic_cast<const TStreamerBasicPointer*>(&element);
+  return array && array->GetType() == TVirtualStreamerInfo::kOffsetP + TVirtualStreamerInfo::kUInt &&
+         std::string(array->GetCountName()) == "fPixelVectorSize";
+}
+
+bool TRecordCheck::SkipElement(const TStreamerElement& element) {
+  const std::string name = element.GetName();
+  if (element.IsBase() && name == "TObject") return SkipObject();
+  const UInt_t size = GetNumberSize(element);
+  return size ? Skip(name, size) : Refuse(name, "a member of unknown size before fPixelVector", "numbers only");
+}
+
+/// Follows the description of the version up to the vector, after which no version has anything. ROOT itself reports
+/// and skips a record that nothing describes.
+bool TRecordCheck::HasDescribed(const TVirtualStreamerInfo* description) {
+  if (!description) return true;
+  bool is_size_known = false;
+  UInt_t n_words = 0;
+  for (const TObject* object : *description->GetElements()) {
+    const auto& element = *static_cast<const TStreamerElement*>(object);
+    if (is_size_known && IsPixelVector(element)) return Skip("fPixelVector", 1) && HasWords(n_words);
+    if (std::string(element.GetName()) == "fPixelVectorSize" && GetNumberSize(element) == 4 && GetLeft() >= 4) {
+      n_words = Peek<UInt_t>(0);
+      is_size_known = true;
+    }
+    if (!SkipElement(element)) return false;
+  }
+  return Refuse("fPixelVector", "none in the description of the record", "an array of fPixelVectorSize words");
+}
+
+/// The description of a version, of which a file brings those of old versions along; null if there is none.
+const TVirtualStreamerInfo* FindDescription(Version_t version) {
+  const TClass* cl = TStnPixelList::Class();
+  if (version == cl->GetClassVersion()) return cl->GetStreamerInfo();
+  const TObjArray* descriptions = cl->GetStreamerInfos();
+  if (version >= descriptions->LowerBound() + descriptions->GetSize()) return nullptr;
+  return static_cast<const TVirtualStreamerInfo*>(descriptions->At(version));
+}
+
+}  // namespace
+
+TStnPixelList::TStnPixelList()
+    : fStreamerVersion(0),
+      fStnNo(VdUtil::VdConfig::GetInstance().GetStnId() - 1),
+      fNPixels(0),
+      fPixelVectorSize(kNWords) {
+  if (TStnEvent::fgPrintLevel > 1) {
+    VD_DEBUG << "Vd::kSTN_NEXTPIXELS= " << Vd::kSTN_NEXTPIXELS << std::endl;
+    VD_DEBUG << "fPixelVectorSize=    " << fPixelVectorSize << std::endl;
+  }
+  fPixelVector = new UInt_t[kNWords]();
+}
+
+TStnPixelList::TStnPixelList(const TStnPixelList& rhs)
+    : TObject(rhs),
+      fStreamerVersion(0),
+      fStnNo(rhs.fStnNo),
+      fNPixels(0),
+      fPixelVectorSize(rhs.fPixelVectorSize),
+      fPixelVector(new UInt_t[rhs.GetNWords()]()) {
+  *this = rhs;
+}
+
+/// The station is not copied: a list keeps that of its own event.
+TStnPixelList& TStnPixelList::operator=(const TStnPixelList& rhs) {
+  if (this == &rhs) return *this;
+  // Only a list that was read with more words than a station has needs a larger vector.
+  if (rhs.GetNWords() > GetNWords()) ReplaceVector(new UInt_t[rhs.GetNWords()]);
+  fNPixels = rhs.fNPixels;
+  fPixelVectorSize = rhs.fPixelVectorSize;
+  std::copy_n(rhs.fPixelVector, rhs.GetNWords(), fPixelVector);
+  fPixelList = rhs.fPixelList;
+  fStreamerVersion = rhs.fStreamerVersion;
+  return *this;
+}
+
+TStnPixelList::~TStnPixelList() { delete[] fPixelVector; }
+
+bool TStnPixelList::operator==(const TStnPixelList& rhs) const {
+  if (this == &rhs) return true;
+  for (UInt_t element = 0; element < fPixelVectorSize; ++element) {
+    if (fPixelVector[element] != rhs.GetWord(element)) return false;
+  }
+  return true;
+}
+
+/// Words allocated: a size from a file can be smaller.
+UInt_t TStnPixelList::GetNWords() const { return std::max(fPixelVectorSize, kNWords); }
+
+/// A word of the vector, 0 beyond its end: the position of the last station pixel lies in the word after the last.
+UInt_t TStnPixelList::GetWord(UInt_t element) const { return element < GetNWords() ? fPixelVector[element] : 0; }
+
+void TStnPixelList::ReplaceVector(UInt_t* words) {
+  delete[] fPixelVector;
+  fPixelVector = words;
+}
+
+/// One position above the one that `AddPixel` sets. `TestPixel` and `RemovePixel` have always worked on that position,
+/// and callers count on what they do, so there is no subtraction of 1 here.
+void TStnPixelList::GetPosition(_VdPixelNumber* pixel, UInt_t* element, UInt_t* bit) const {
+  const UInt_t stn_pixel = Vd::GetStnPixelNo(pixel);
+  *element = stn_pixel / 32;
+  *bit = stn_pixel % 32;
+}
+
+bool TStnPixelList::TestPixel(_VdPixelNumber* pixel) {
+  UInt_t element, bit;
+  GetPosition(pixel, &element, &bit);
+  if (element >= fPixelVectorSize || Vd::GetStnPixelNo(pixel) == 0) return false;
+  return fPixelVector[element] >> bit & 1;
+}
+
+void TStnPixelList::AddPixel(_VdPixelNumber* pixel) {
+  _VdPixelNumber none;
+  if (!pixel) pixel = &none;
+  if (TStnEvent::fgPrintLevel) {
+    VD_INFO << "TStnPixelList::AddPixel((" << Vd::GetStnNo(pixel) << "," << Vd::GetStnMirrorNo(pixel)
+            << ")=" << Vd::GetMirrorNo(pixel) << "," << Vd::GetPixelNo(pixel) << ") ..." << std::endl;
+  }
+  const UInt_t stn_pixel = Vd::GetStnPixelNo(pixel);
+  if (!IsStnPixel(stn_pixel)) {
+    VD_WARNING << "TStnPixelList::AddPixel() - tried to add illegal pixel " << Vd::GetPixelNo(pixel) << " - ignored!"
+               << std::endl;
+    return;
+  }
+  if (Vd::GetStnNo(pixel) - 1 != fStnNo) {
+    // No blank before "from": log readers match this text.
+    VD_WARNING << "TStnPixelList::AddPixel() - tried to add pixel " << Vd::GetPixelNo(pixel) << "from illegal Stn "
+               << Vd::GetStnNo(pixel) << " - ignored!" << std::endl;
+    return;
+  }
+  fPixelList.clear();
+  SetPixel(stn_pixel);
+}
+
+void TStnPixelList::SetPixel(UInt_t stn_pixel) {
+  UInt_t& word = fPixelVector[(stn_pixel - 1) / 32];
+  const UInt_t mask = 1U << (stn_pixel - 1) % 32;
+  if (word & mask) {
+    VD_WARNING << "TStnPixelList::AddPixel(" << stn_pixel << ") - "
+               << "tried to add pixel again to list - ignored!" << std::endl;
+    return;
+  }
+  word |= mask;
+  ++fNPixels;
+}
+
+void TStnPixelList::AddPixelList(TMirrorPixelList* list) {
+  if (!list) return;
+  if (TStnEvent::fgPrintLevel) {
+    VD_INFO << "TMirrorPixelList contains " << list->GetNumPixels() << " pixels !" << std::endl;
+  }
+  for (UInt_t i = 0; i < list->GetNumPixels(); ++i) {
+    _VdPixelNumber* pixel = Vd::GetVdPixelNumber(list->GetPixel(i));
+    AddPixel(pixel);
+    if (TStnEvent::fgPrintLevel) {
+      VD_INFO << "TStnPixelList::AddPixelList(seq=" << fNPixels << "): " << Vd::GetPixelNo(pixel) << ","
+              << Vd::GetStnPixelNo(pixel) << "," << Vd::GetMirrorPixelNo(pixel) << std::endl;
+    }
+  }
+}
+
+/// The expanded list is left alone: a caller who walks over it goes on with the pixels that it had.
+void TStnPixelList::RemovePixel(_VdPixelNumber* pixel) {
+  _VdPixelNumber none;
+  if (!pixel) pixel = &none;
+  UInt_t element, bit;
+  GetPosition(pixel, &element, &bit);
+  const UInt_t stn_pixel = Vd::GetStnPixelNo(pixel);
+  if (!IsStnPixel(stn_pixel)) {
+    VD_WARNING << "Tried to remove illegal pixel " << Vd::GetPixelNo(pixel) << std::endl;
+    return;
+  }
+  const UInt_t mask = 1U << bit;
+  // Notices nothing but bit 0 of an empty word. The counts of lists depend on this test, so it stays as narrow.
+  const UInt_t is_word_empty = GetWord(element) == 0;
+  if (is_word_empty & mask) {
+    VD_WARNING << "TStnPixelList::RemovePixel(" << stn_pixel << "): "
+               << "Tried to remove non-existing pixel from the list !" << std::endl;
+    return;
+  }
+  // Always inside the vector: only bit 0 of a word can lie beyond, and that word counts as empty.
+  fPixelVector[element] &= ~mask;
+  --fNPixels;
+}
+
+void TStnPixelList::ConstructPixelList() {
+  _VdPixelNumber pixel;
+  fPixelList.clear();
+  for (UInt_t i = 0; i < Vd::kSTN_NEXTPIXELS; ++i) {
+    if (!(fPixelVector[i / 32] >> i % 32 & 1)) continue;
+    if (TStnEvent::fgPrintLevel > 1) VD_INFO << "Pixel " << i << " is set !" << std::endl;
+    Vd::SetPixelNo(&pixel, i + 1);
+    Vd::SetStnNo(&pixel, fStnNo + 1);
+    if (TStnEvent::fgPrintLevel > 1) {
+      VD_INFO << "TStnPixelList:: adding pixel " << i << " as no. " << fPixelList.size() << std::endl;
+    }
+    fPixelList.push_back(pixel);
+  }
+  if (fPixelList.size() == fNPixels) return;
+  VD_FATAL << "TStnPixelList::ConstructPixelList() - "
+           << "Size mismatch whilst constructing of internal PixelList !" << std::endl;
+  VD_FATAL << "Size= " << fPixelList.size() << " vs. expected size= " << fNPixels << std::endl;
+  exit(1);
+}
+
+_VdPixelNumber* TStnPixelList::GetPixel(unsigned int i) {
+  if (i >= fNPixels) return nullptr;
+  if (fPixelList.empty()) ConstructPixelList();
+  return i < fPixelList.size() ? &fPixelList[i] : nullptr;
+}
+
+void TStnPixelList::SetStnNo(unsigned int stn_no) {
+  if (TStnEvent::fgPrintLevel) VD_INFO << "TStnPixelList::SetStnNo(" << stn_no << ")" << std::endl;
+  if (stn_no < Vd::kVD_FIRST_STN || stn_no > Vd::kVD_LAST_STN) {
+    VD_WARNING << "TStnPixelList::SetStnNo(" << stn_no << ") - "
+               << "StnNo is outside valid range " << Vd::kVD_FIRST_STN << " .. " << Vd::kVD_LAST_STN << " !"
+               << std::endl;
+    return;
+  }
+  fStnNo = stn_no - 1;
+}
+
+/// The expanded list stays: with a count of 0 nothing of it can be reached, and the next pixel added empties it.
+void TStnPixelList::Clear(Option_t*) {
+  fStreamerVersion = 0;
+  fNPixels = 0;
+  fPixelVectorSize = kNWords;
+  std::fill_n(fPixelVector, kNWords, 0);
+}
+
+void TStnPixelList::Show(std::ostream& ostr) {
+  ostr << "--- TStnPixelList ---" << std::endl;
+  ostr << " Stn number      : " << fStnNo + 1 << std::endl;
+  ostr << " Number of pixels: " << fNPixels << std::endl;
+  ostr << " Streamer version: " << fStreamerVersion << std::endl;
+  ostr << " Class version   : " << Class_Version() << std::endl;
+  ostr << " Pixel numbers   : ";
+  for (UInt_t i = 0; i < fNPixels; ++i) {
+    const _VdPixelNumber* pixel = GetPixel(i);
+    // An expanded list that is older than the bits can be shorter than the count.
+    if (!pixel) break;
+    if (i != 0 && i % 10 == 0) ostr << std::endl << std::string(19, ' ');
+    ostr << std::setw(6) << Vd::GetPixelNo(pixel);
+  }
+  ostr << std::endl << "---------------------" << std::endl;
+}
+
+void TStnPixelList::Streamer(TBuffer& b) {
+  if (b.IsReading()) {
+    ReadRecord(b);
+    if (TStnEvent::fgPrintLevel > 1) {
+      VD_INFO << "TStnPixelList::Streamer() - "
+              << "read fStreamerVersion= " << fStreamerVersion << ", fStnNo= " << fStnNo << std::endl;
+    }
+    return;
+  }
+  Class()->WriteBuffer(b, this);
+  if (TStnEvent::fgPrintLevel > 1) {
+    VD_INFO << "TStnPixelList::Streamer() - "
+            << "wrote fStnNo= " << fStnNo << std::endl;
+  }
+}
+
+/// A record that does not hold what it says is left at its end, and this object as it was.
+void TStnPixelList::ReadRecord(TBuffer& b) {
+  const UInt_t size = b.BufferSize();
+  if (!TRecordCheck(b, size).HasFrame()) return b.SetBufferOffset(size);
+  UInt_t start, count;
+  const Version_t version = b.ReadVersion(&start, &count);
+  if (version < 2) {
+    fStreamerVersion = version;
+    // Says 1 for lower versions too: log readers match this text.
+    VD_ERROR << "TStnPixelList::Streamer() - version == 1 not streamable !" << std::endl;
+    return;
+  }
+  const UInt_t limit = size - start - sizeof(UInt_t);
+  if (count > limit) {
+    Refuse("byte count", std::to_string(count), "at most " + std::to_string(limit));
+    return b.SetBufferOffset(size);
+  }
+  const UInt_t end = count ? start + sizeof(UInt_t) + count : size;
+  TRecordCheck check(b, end);
+  if (!(version == 2 ? check.HasVersion2() : check.HasDescribed(FindDescription(version)))) {
+    return b.SetBufferOffset(end);
+  }
+  fStreamerVersion = version;
+  version == 2 ? ReadVersion2(b, start, count) : ReadDescribed(b, version, start, count);
+}
+
+/// For every version above 2 the description in the file decides.
+void TStnPixelList::ReadDescribed(TBuffer& b, Version_t version, UInt_t start, UInt_t count) {
+  Class()->ReadBuffer(b, this, version, start, count);
+  if (fPixelVectorSize >= kNWords) return;
+  auto* words = new UInt_t[kNWords]();
+  std::copy_n(fPixelVector, fPixelVectorSize, words);
+  ReplaceVector(words);
+}
+
+/// Version 2 has no station. It keeps the one of this host, until the event mends it from its header.
+void TStnPixelList::ReadVersion2(TBuffer& b, UInt_t start, UInt_t count) {
+  TObject::Streamer(b);
+  if (TStnEvent::fgPrintLevel) VD_INFO << "TStnPixelList::Streamer() - fix for version= 2 !" << std::endl;
+  b >> fNPixels;
+  b >> fPixelVectorSize;
+  ReplaceVector(new UInt_t[GetNWords()]());
+  b.ReadFastArray(fPixelVector, fPixelVectorSize);
+  b.CheckByteCount(start, count, Class());
+}
