@@ -8,6 +8,8 @@
 
 #include <iostream>
 
+class MrRecordReader;
+
 /// The FADC trace of one pixel. The sample of bin b stands in word b of the record; bins of 2000 and above have no word.
 class TFADCData : public TObject {
  public:
@@ -124,6 +126,9 @@ class TFADCData : public TObject {
   void Own();
   void WriteRecord(TBuffer& b);
   void ReadRecord(TBuffer& b);
+  void ReadCurrentVersion(MrRecordReader& reader);
+  bool CheckCounts(MrRecordReader& reader) const;
+  void Unpack(const UChar_t* low, const UChar_t* high);
 
   _FADCDataRec* fRecord;  //!
   bool fIsOwner;          //!

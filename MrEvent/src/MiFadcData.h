@@ -50,7 +50,8 @@ class TMirrorFADCData : public TObject {
     return GetPixelFADCData(VdUtil::Vd::GetColumnNo(pixel), VdUtil::Vd::GetRowNo(pixel));
   }
 
-  /// Puts a copy of the trace at the pixel, in place of one that stands there. A null trace and a pixel outside the
+  /// Puts a copy of the trace at the pixel, in place of one that stands there. A pixel word of zero, which stands for
+  /// no pixel, is ignored like a null pointer; a null trace and a pixel outside the
   /// camera are refused with an error message.
   void SetPixelFADCData(_PixelNumber* pixel, const TFADCData* trace);
 
@@ -60,6 +61,7 @@ class TMirrorFADCData : public TObject {
   void Show(std::ostream& ostr = std::cout) const;
 
  private:
+  void SetTrace(UInt_t index, const _FADCDataRec& trace);
   void WriteRecord(TBuffer& b);
   void ReadRecord(TBuffer& b);
 

@@ -8,6 +8,8 @@
 
 #include <iostream>
 
+class MrRecordReader;
+
 /// Trigger bits of one mirror's pixels: for each of the 480 channels 100 time slices, 0 to 99.
 class TMirrorPixelData : public TObject {
  public:
@@ -76,8 +78,12 @@ class TMirrorPixelData : public TObject {
   void Show(std::ostream& ostr = std::cout, UInt_t n = VdUtil::Vd::kMI_NSLT_BINS) const;
 
  private:
+  void ShowPixels(std::ostream& ostr, UInt_t n_slices) const;
   void WriteRecord(TBuffer& b);
   void ReadRecord(TBuffer& b);
+  void ReadCurrentVersion(MrRecordReader& reader);
+  bool CheckCounts(MrRecordReader& reader) const;
+  void Unpack(MrRecordReader& reader, const UShort_t* pixel_no, const UInt_t* words);
 
   _MirrorPixelDataRec* fRecord;  //!
 

@@ -8,6 +8,8 @@
 
 #include <iostream>
 
+class MrRecordReader;
+
 /// The pixels of one mirror that took part in an event, in the order in which they were added.
 class TMirrorPixelList : public TObject {
  public:
@@ -44,6 +46,8 @@ class TMirrorPixelList : public TObject {
   void Reserve(UInt_t capacity);
   void WriteRecord(TBuffer& b);
   void ReadRecord(TBuffer& b);
+  void ReadCurrentVersion(MrRecordReader& reader);
+  void Unpack(const UInt_t* words);
 
   _MirrorPixelListRec fData;     //!
   _MirrorPixelListRec* fRecord;  //!
