@@ -103,6 +103,8 @@ class TStnEvent : public TObject {
   static UInt_t fgPrintLevel;  //! print/verbosity level for TStn* classes
 
  private:
+  friend class TStnEventFile;  // keeps one header object while it reads headers only
+
   struct MirrorPlace;
 
   bool AcceptMirror(const MirrorPlace& place, bool force);
