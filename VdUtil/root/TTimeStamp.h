@@ -41,7 +41,7 @@ class TTimeStamp {
   /// Nanoseconds, 0 to 999,999,999.
   Int_t GetNanoSec() const { return fNanoSec; }
 
-  /// Date and time in UTC as a text. Options:
+  /// Date and time in UTC as a text. Options, of which the first letter counts:
   /// - "" (also null, and any other): "2016-12-31 23:59:59.000000001 UTC"
   /// - "s": the same without nanoseconds, "2016-12-31 23:59:59 UTC"
   /// - "i": ISO 8601, "2016-12-31T23:59:59.000000001Z"

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 #include <iomanip>
+#include <iterator>
 #include <sstream>
 
 #include <VdUtil/ErrorLogger.h>
@@ -68,14 +69,14 @@ tm GetTm(time_t unix_time) {
 /// Reads "2017-01-01 18"; false when the text is something else or the date does not exist.
 bool ParseEntry(const std::string& text, Entry& entry) {
   tm date = {};
-  UInt_t count = 0;
+  int count = 0;
   std::string rest;
   std::istringstream line(text);
   if (!(line >> std::get_time(&date, "%Y-%m-%d") >> count) || line >> rest) return false;
   const int day = date.tm_mday;
   const time_t midnight = timegm(&date);
   entry = MakeEntry(static_cast<UInt_t>(midnight), count);
-  return date.tm_mday == day && midnight >= TimeConvert::kGPSEpoch && midnight <= kLastUnixTime;
+  return date.tm_mday == day && count >= 0 && midnight >= TimeConvert::kGPSEpoch && midnight <= kLastUnixTime;
 }
 
 /// Why an entry can't follow those before it; null when it can.
@@ -98,9 +99,9 @@ const char* ReadLine(std::string line, Table& table) {
   return fault;
 }
 
-bool Complain(const std::string& filename, int line, const char* fault) {
-  VD_ERROR << "TimeConvert::ReadLeapSecondTable() - " << filename << ":" << line << ": " << fault
-           << ", the table in use stays" << std::endl;
+bool Complain(const std::string& place, const char* fault) {
+  VD_ERROR << "TimeConvert::ReadLeapSecondTable() - " << place << ": " << fault << ", the table in use stays"
+           << std::endl;
   return false;
 }
 
@@ -125,9 +126,7 @@ UInt_t TimeConvert::GetGPSTimeFromUnixTime(UInt_t unix_time) {
   return unix_time - kGPSEpoch + std::prev(next)->fNLeapSeconds;
 }
 
-bool TimeConvert::IsLeapBoundary(UInt_t gps) {
-  return GetLeapSeconds(gps + 1) > GetLeapSeconds(gps) && gps < kFirstBeforeEpoch;
-}
+bool TimeConvert::IsLeapBoundary(UInt_t gps) { return GetLeapSeconds(gps + 1) > GetLeapSeconds(gps); }
 
 std::string TimeConvert::GetISODate(const tm& date) { return GetFormattedFromTm(&date, "%Y-%m-%d"); }
 
@@ -167,12 +166,12 @@ void TimeConvert::PrintLeapSecondTable(std::ostream& ostr) {
 
 bool TimeConvert::ReadLeapSecondTable(std::string filename) {
   std::ifstream file(filename);
-  if (!file) return Complain(filename, 0, std::strerror(errno));
+  if (!file) return Complain(filename, std::strerror(errno));
   Table table;
   std::string line;
   for (int number = 1; std::getline(file, line); ++number)
-    if (const char* fault = ReadLine(line, table)) return Complain(filename, number, fault);
-  if (table.empty()) return Complain(filename, 0, "no entries");
+    if (const char* fault = ReadLine(line, table)) return Complain(filename + ":" + std::to_string(number), fault);
+  if (table.empty()) return Complain(filename, "no entries");
   GetTable().swap(table);
   return true;
 }

@@ -18,7 +18,7 @@ int PixelIndex(const Vd::_PixelNumber* pixel) {
 
 }  // namespace
 
-Vd::_VdPixelNumber::_VdPixelNumber(_PixelNumber* pixel) : fPixelNumber(0) {
+Vd::_VdPixelNumber::_VdPixelNumber(const _PixelNumber* pixel) : fPixelNumber(0) {
   const unsigned int stn_pixel = GetStnPixelNo(pixel);
   if (stn_pixel == 0 || !IsStn(Vd::GetStnNo(pixel))) return;
   Vd::SetPixelNo(this, (Vd::GetStnNo(pixel) - 1) * kSTN_NEXTPIXELS + stn_pixel);
@@ -48,7 +48,7 @@ unsigned int Vd::GetMirrorPixelNo(const _VdPixelNumber* pixel) {
 
 Vd::_VdPixelNumber* Vd::GetVdPixelNumber(const _PixelNumber* pixel) {
   static thread_local _VdPixelNumber record;
-  record = _VdPixelNumber(const_cast<_PixelNumber*>(pixel));
+  record = _VdPixelNumber(pixel);
   return &record;
 }
 

@@ -47,7 +47,7 @@ class Vd {
     /// The installation pixel of a pixel with station and mirror, as `GetVdPixelNumber` gives it.
     _VdPixelNumber(_PixelNumber pixel) : _VdPixelNumber(&pixel) {}
     /// The same; 0 for a null pointer.
-    _VdPixelNumber(_PixelNumber* pixel);
+    _VdPixelNumber(const _PixelNumber* pixel);
     _VdPixelNumber& operator=(const _VdPixelNumber& other) {
       fPixelNumber = other.fPixelNumber;
       return *this;

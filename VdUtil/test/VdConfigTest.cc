@@ -1,0 +1,75 @@
+#include <VdUtil/VdConfig.h>
+
+#include <unistd.h>
+
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+using VdUtil::Vd;
+using VdUtil::VdConfig;
+
+namespace {
+
+struct HostCase {
+  const char* fHostname;
+  unsigned int fStnId;     // 0 for none
+  unsigned int fMirrorId;  // 0 for none
+};
+
+class Hostname : public testing::TestWithParam<HostCase> {};
+
+}  // namespace
+
+TEST_P(Hostname, GivesStationAndMirrorOrTheDefaults) {
+  const HostCase& host = GetParam();
+  EXPECT_EQ(VdConfig::DetermineStnId(host.fHostname, 0), host.fStnId);
+  EXPECT_EQ(VdConfig::DetermineMirrorId(host.fHostname, 0), host.fMirrorId);
+  EXPECT_EQ(VdConfig::DetermineStnId(host.fHostname, 42), host.fStnId ? host.fStnId : 42);
+  EXPECT_EQ(VdConfig::DetermineMirrorId(host.fHostname, 43), host.fMirrorId ? host.fMirrorId : 43);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAStation, Hostname,
+                         testing::Values(HostCase{"stn1", 1, 0}, HostCase{"stn5", 5, 0}, HostCase{"STN3", 3, 0},
+                                         HostCase{"stn3.example.org", 3, 0}, HostCase{"daq-stn3", 3, 0},
+                                         HostCase{"daqstn3.example.org", 3, 0}, HostCase{"stn3-spare", 3, 0}));
+INSTANTIATE_TEST_SUITE_P(OfAMirror, Hostname,
+                         testing::Values(HostCase{"stn3-mi2", 3, 2}, HostCase{"stn1-mi6", 1, 6},
+                                         HostCase{"stn5-mi3", 5, 3}, HostCase{"Stn3-Mi2.example.org", 3, 2},
+                                         HostCase{"daq-stn3-mi2", 3, 2}));
+INSTANTIATE_TEST_SUITE_P(OfAMirrorThatTheStationLacks, Hostname,
+                         testing::Values(HostCase{"stn3-mi7", 3, 0}, HostCase{"stn3-mi0", 3, 0},
+                                         HostCase{"stn3-mi22", 3, 0}, HostCase{"stn5-mi4", 5, 0}));
+INSTANTIATE_TEST_SUITE_P(OfNoStation, Hostname,
+                         testing::Values(HostCase{"", 0, 0}, HostCase{"localhost", 0, 0}, HostCase{"stn", 0, 0},
+                                         HostCase{"stn0", 0, 0}, HostCase{"stn6", 0, 0}, HostCase{"stn12", 0, 0},
+                                         HostCase{"stn3x", 0, 0}, HostCase{"mi2", 0, 0},
+                                         HostCase{"laptop.stn3.example.org", 0, 0}));
+
+TEST(VdConfig, TakesTheNameOfThisHost) {
+  char name[256] = "";
+  gethostname(name, sizeof(name) - 1);
+  const VdConfig& config = VdConfig::GetInstance();
+  EXPECT_EQ(config.GetFQHostname(), name);
+  EXPECT_EQ(config.GetStnId(), VdConfig::DetermineStnId(name, 1));
+  EXPECT_EQ(config.GetMirrorId(), VdConfig::DetermineMirrorId(name, 1));
+  EXPECT_EQ(config.IsStn(), VdConfig::DetermineStnId(name, 0) != 0);
+  EXPECT_EQ(config.IsMirror(), VdConfig::DetermineMirrorId(name, 0) != 0);
+}
+
+TEST(VdConfig, DefaultsToStationAndMirrorOne) {
+  EXPECT_EQ(VdConfig::GetInstance().GetDefaultStnId(), 1u);
+  EXPECT_EQ(VdConfig::GetInstance().GetDefaultMirrorId(), 1u);
+}
+
+TEST(VdConfig, MirrorNumberIsMadeOfStationAndMirror) {
+  const VdConfig& config = VdConfig::GetInstance();
+  const _MirrorNumber number = config.GetMirrorNumber();
+  EXPECT_EQ(Vd::GetStnNo(&number), config.GetStnId());
+  EXPECT_EQ(Vd::GetMirrorNo(&number), config.GetMirrorId());
+}
+
+TEST(VdConfig, IsASingleton) {
+  EXPECT_EQ(&VdConfig::GetInstance(), &VdUtil::Singleton<VdConfig>::GetInstance());
+  EXPECT_FALSE(std::is_default_constructible<VdConfig>::value);
+}
