@@ -33,15 +33,18 @@ class TMirrorRunTrailer : public TObject {
   ~TMirrorRunTrailer() override {}
 
   /// The mirror of the installation, inside this object.
-  _MirrorNumber* GetMirrorNumber() const { return &fRecord->fMirrorNumber; }
+  _MirrorNumber* GetMirrorNumber() const {
+    // The cast is for the dictionary's form of the record and none for the code's.
+    return reinterpret_cast<_MirrorNumber*>(&fRecord->fMirrorNumber);
+  }
   /// Station, 1 to 5.
-  UInt_t GetStnNo() const { return VdUtil::Vd::GetStnNo(&fRecord->fMirrorNumber); }
+  UInt_t GetStnNo() const { return VdUtil::Vd::GetStnNo(GetMirrorNumber()); }
   /// Sets the station; to be called before SetMirrorNo.
-  void SetStnNo(UInt_t stn_no) { VdUtil::Vd::SetStnNo(&fRecord->fMirrorNumber, stn_no); }
+  void SetStnNo(UInt_t stn_no) { VdUtil::Vd::SetStnNo(GetMirrorNumber(), stn_no); }
   /// Mirror inside the station, 1 to 6.
-  UInt_t GetMirrorNo() const { return VdUtil::Vd::GetMirrorNo(&fRecord->fMirrorNumber); }
+  UInt_t GetMirrorNo() const { return VdUtil::Vd::GetMirrorNo(GetMirrorNumber()); }
   /// Sets the mirror inside the station; to be called after SetStnNo.
-  void SetMirrorNo(UInt_t mirror_no) { VdUtil::Vd::SetMirrorNo(&fRecord->fMirrorNumber, mirror_no); }
+  void SetMirrorNo(UInt_t mirror_no) { VdUtil::Vd::SetMirrorNo(GetMirrorNumber(), mirror_no); }
 
   /// Run number.
   UInt_t GetRunNo() const { return fRecord->fRunNo; }
