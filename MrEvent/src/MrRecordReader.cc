@@ -6,6 +6,8 @@
 #include <TObjArray.h>
 #include <TObject.h>
 
+#include <algorithm>
+
 MrRecordReader::MrRecordReader(TBuffer& b, TClass* cl) : fBuffer(b), fClass(cl), fEnd(b.BufferSize()) {
   // Byte count, version, and the checksum that a version of 0 or below would bring in.
   if (HasBytes("frame", 10)) ReadFrame();
@@ -16,7 +18,7 @@ MrRecordReader::~MrRecordReader() { fBuffer.SetBufferOffset(fEnd); }
 void MrRecordReader::ReadFrame() {
   fVersion = fBuffer.ReadVersion(&fStart, &fByteCount, fClass);
   const Long64_t room = Long64_t(fBuffer.BufferSize()) - fStart - Long64_t(sizeof(fByteCount));
-  const Long64_t used = fBuffer.Length() - Long64_t(fStart) - Long64_t(sizeof(fByteCount));
+  const Long64_t used = std::max(fBuffer.Length() - fStart, UInt_t(6)) - sizeof(fByteCount);
   if (fByteCount < used || fByteCount > room) {
     Fail("byte count", fByteCount, std::to_string(used) + " to " + std::to_string(room));
     return;
