@@ -1,5 +1,6 @@
 #include <VdUtil/VdNumbering.h>
 
+#include <cstring>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -124,16 +125,19 @@ TEST(VdPixelNumber, LaysItsFieldsOutFromTheLowestBit) {
 TEST(VdPixelNumber, StartsWithZero) { EXPECT_EQ(_VdPixelNumber().fPixelNumber, 0); }
 
 TEST(VdPixelNumber, CopiesSixteenBitsAndLeavesTheRestOfTheTarget) {
-  struct Words {
-    short fLow;
-    short fHigh;
-  };
+  const short kSource[] = {0x1234, 0x77};
+  short words[] = {0, 0x55};
   _VdPixelNumber target, source;
-  reinterpret_cast<Words&>(target) = {0, 0x55};
-  reinterpret_cast<Words&>(source) = {0x1234, 0x77};
+  std::memcpy(static_cast<void*>(&target), words, sizeof(target));
+  std::memcpy(static_cast<void*>(&source), kSource, sizeof(source));
   target = source;
-  EXPECT_EQ(target.fPixelNumber, 0x1234);
-  EXPECT_EQ(reinterpret_cast<Words&>(target).fHigh, 0x55);
+  std::memcpy(words, &target, sizeof(target));
+  EXPECT_EQ(words[0], 0x1234);
+  EXPECT_EQ(words[1], 0x55);
+}
+
+TEST(VdPixelNumber, CopyConstructorTakesTheNumber) {
+  const _VdPixelNumber source = MakeVdPixel(0x1234);
   EXPECT_EQ(_VdPixelNumber(source).fPixelNumber, 0x1234);
 }
 
