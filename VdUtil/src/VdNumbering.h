@@ -11,6 +11,9 @@ namespace VdUtil {
 /// - installation pixel number, 1 to 14400: (station - 1) * 2880 + station pixel number
 /// - installation mirror number, 1 to 30: (station - 1) * 6 + mirror
 /// - camera position: column 1 to 20, row 1 to 24; mirror pixel number = (column - 1) * 24 + row
+///
+/// ROOT has no dictionaries for unions, so Python sees the records as untyped memory and can't tell overloads apart. There
+/// the overload must be named: `Vd.GetPixelNo.__overload__("const VdUtil::Vd::_VdPixelNumber*")(pixel)`.
 class Vd {
  public:
   static constexpr unsigned int kVD_FIRST_STN = 1;       ///< first station number
