@@ -17,4 +17,8 @@
 #pragma link C++ class TStnEvent-;
 #pragma link C++ class TStnEventFile-;
 
+// A filled container that is read again must give its traces up first: ROOT deletes the old array, which does not own
+// them. The source only puts the rule before the array is read.
+#pragma read sourceClass="TStnFADCData" targetClass="TStnFADCData" version="[1-]" source="UInt_t fNTraces" target="fStreamerVersion" code="{ newObj->Clear(); }"
+
 #endif

@@ -39,8 +39,11 @@ TStnFADCData::~TStnFADCData() {
   delete fFADCData;
 }
 
-/// Slots of the array; 0 where a damaged record left none.
-Int_t TStnFADCData::GetCapacity() const { return fFADCData ? fFADCData->GetSize() : 0; }
+/// The array; an empty one where a damaged record left none.
+const TObjArray& TStnFADCData::GetArray() const {
+  static const TObjArray none(0, 1);
+  return fFADCData ? *fFADCData : none;
+}
 
 /// Makes room for `capacity` traces: an array that was read has no more slots than its last trace needs.
 void TStnFADCData::Reserve(Int_t capacity) {

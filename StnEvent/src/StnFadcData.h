@@ -33,7 +33,7 @@ class TStnFADCData : public TObject {
   /// The same for a pixel by mirror.
   const TFADCData* GetFADCData(_PixelNumber* pixel) const;
   /// A new iterator over the traces by ascending station pixel number, which the caller deletes.
-  TIterator* GetIterator(Bool_t dir = kIterForward) const { return fFADCData->MakeIterator(dir); }
+  TIterator* GetIterator(Bool_t dir = kIterForward) const { return GetArray().MakeIterator(dir); }
   /// The count of traces. It is kept by hand: `Clear` leaves it, and `RemoveFADCData` lowers it by 2 for a trace.
   UInt_t GetNTraces() const { return fNTraces; }
 
@@ -47,7 +47,8 @@ class TStnFADCData : public TObject {
   virtual void Show(std::ostream& ostr = std::cout) const;
 
  private:
-  Int_t GetCapacity() const;
+  const TObjArray& GetArray() const;
+  Int_t GetCapacity() const { return GetArray().GetSize(); }
   void Reserve(Int_t capacity);
   TFADCData* GetTrace(UInt_t stn_pixel) const;
 

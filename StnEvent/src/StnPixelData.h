@@ -28,7 +28,7 @@ class TStnPixelData : public TObject {
 
   /// Stores a copy of the data for mirror `mirror_id` (1 to 6), or with `is_owner` the object itself. False, with a
   /// message, if the id is illegal (the object stays the caller's in any case) or the mirror has data already (the
-  /// object is deleted if `is_owner`). False, without a message, for null.
+  /// object is deleted if `is_owner`). False, without a message, for a null that is not handed over.
   bool AddPixelData(TMirrorPixelData* pixel_data, UInt_t mirror_id, bool is_owner = false);
 
   /// Deletes the data of all mirrors.

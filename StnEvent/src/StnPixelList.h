@@ -82,13 +82,21 @@ class TStnPixelList : public TObject {
   void ReadDescribed(TBuffer& b, Version_t version, UInt_t start, UInt_t count);
   void ReadVersion2(TBuffer& b, UInt_t start, UInt_t count);
 
-  Version_t fStreamerVersion;              //! version read from file
-  UInt_t fStnNo;                           // Stn number (0..3)
-  UInt_t fNPixels;                         // number of pixels in list
-  UInt_t fPixelVectorSize;                 // size of the pixel bit vector
-  UInt_t* fPixelVector;                    //[fPixelVectorSize]
-  std::vector<_VdPixelNumber> fPixelList;  //! pixels in ascending order, empty when not built
-  VdPixelNumberRec fPixelNumber;           //! pixel number to return
+  Version_t fStreamerVersion;  //! version read from file
+  UInt_t fStnNo;               // Stn number (0..3)
+  UInt_t fNPixels;             // number of pixels in list
+  UInt_t fPixelVectorSize;     // size of the pixel bit vector
+  UInt_t* fPixelVector;        //[fPixelVectorSize]
+#ifndef __ROOTCLING__
+  std::vector<_VdPixelNumber> fPixelList;  // pixels in ascending order, empty when not built
+#else
+  ULong64_t : 64;  // The dictionary has nothing to do with that list and sees unnamed room instead.
+  ULong64_t : 64;
+  ULong64_t : 64;
+#endif
+  VdPixelNumberRec fPixelNumber;  //! pixel number to return
+
+  static_assert(sizeof(std::vector<_VdPixelNumber>) == 3 * sizeof(ULong64_t), "dictionary and code would disagree");
 
   ClassDefOverride(TStnPixelList, 4)  // pixels of one station that took part in an event
 };
