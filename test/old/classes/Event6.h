@@ -1,0 +1,29 @@
+#ifndef old_Event6_h
+#define old_Event6_h
+
+#include <TObject.h>
+
+class TStnEventHeader;
+class TStnFADCData;
+class TStnGeometryData;
+class TStnPixelData;
+class TStnPixelList;
+class TStnT3Data;
+class TStnTriggerData;
+
+// An event as it may look one day, with a number of its own.
+class TStnEvent : public TObject {
+ public:
+  TStnEventHeader* fEventHeader = nullptr;    // station event header
+  TStnFADCData* fFADCData = nullptr;          // container of FADC traces
+  TStnPixelList* fPixelList = nullptr;        // (compressed) list of pixels
+  TStnPixelData* fPixelData = nullptr;        // container of TMirrorPixelData
+  TStnTriggerData* fTriggerData = nullptr;    // trigger info (unused)
+  TStnT3Data* fT3Data = nullptr;              // T3 info (used)
+  TStnGeometryData* fGeometryData = nullptr;  // geometry information
+  UInt_t fWeatherBits = 0;                    // weather when the event was taken
+
+  ClassDefOverride(TStnEvent, 6)
+};
+
+#endif
