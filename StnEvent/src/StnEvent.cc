@@ -16,6 +16,7 @@
 
 #include <iomanip>
 #include <memory>
+#include <string>
 
 #include <VdUtil/Assertions.h>
 
@@ -139,31 +140,26 @@ struct RecordFrame {
   Version_t fVersion = 0;
   UInt_t fStart = 0;
   UInt_t fByteCount = 0;
-
-  /// False, with an error logged and the buffer at its end, if the buffer cannot hold the record.
-  bool Read(TBuffer& buffer);
-
- private:
-  static bool Check(TBuffer& buffer, const char* field, UInt_t found, UInt_t least, UInt_t most);
 };
 
-bool RecordFrame::Read(TBuffer& buffer) {
+bool Refuse(TBuffer& buffer, const char* field, UInt_t found, const std::string& expected) {
+  VD_ERROR << "TStnEvent::Streamer() - " << field << ": found " << found << ", expected " << expected << std::endl;
+  buffer.SetBufferOffset(buffer.BufferSize());
+  return false;
+}
+
+/// False, with an error logged and the buffer at its end, if the buffer cannot hold the record.
+bool ReadFrame(TBuffer& buffer, RecordFrame* frame) {
   // The byte count, the version, and a checksum that ROOT reads as well when the version is 0 or below.
   const UInt_t frame_size = 10;
   // The version and the TObject part, which every version of the class has.
-  const UInt_t least_count = 12;
+  const UInt_t least = 12;
   const UInt_t held = buffer.BufferSize() - buffer.Length();
-  if (!Check(buffer, "bytes in the buffer", held, frame_size, held)) return false;
-  fVersion = buffer.ReadVersion(&fStart, &fByteCount);
-  return Check(buffer, "byte count", fByteCount, least_count, held - sizeof(fByteCount));
-}
-
-bool RecordFrame::Check(TBuffer& buffer, const char* field, UInt_t found, UInt_t least, UInt_t most) {
-  if (found >= least && found <= most) return true;
-  VD_ERROR << "TStnEvent::Streamer() - " << field << ": found " << found << ", expected " << least << " to " << most
-           << " !" << std::endl;
-  buffer.SetBufferOffset(buffer.BufferSize());
-  return false;
+  if (held < frame_size) return Refuse(buffer, "bytes in the buffer", held, "at least " + std::to_string(frame_size));
+  frame->fVersion = buffer.ReadVersion(&frame->fStart, &frame->fByteCount);
+  const UInt_t most = held - sizeof(frame->fByteCount);
+  if (frame->fByteCount >= least && frame->fByteCount <= most) return true;
+  return Refuse(buffer, "byte count", frame->fByteCount, std::to_string(least) + " to " + std::to_string(most));
 }
 
 }  // namespace
@@ -575,7 +571,7 @@ void TStnEvent::ReadRecord(TBuffer& R__b) {
   SafeDelete(fGeometryData);
 
   RecordFrame frame;
-  if (!frame.Read(R__b)) return;
+  if (!ReadFrame(R__b, &frame)) return;
   fStreamerVersion = frame.fVersion;
   if (fgPrintLevel != 0) {
     VD_DEBUG << "TStnEvent::Streamer() - R__v= " << frame.fVersion << " R__s= " << frame.fStart

@@ -406,6 +406,7 @@ TEST_F(StnEventTest, ShowPrintsTheVersionThatWasRead) {
 }
 
 TEST_F(StnEventTest, ShowHasABannerAtPrintLevelTwoOnly) {
+  fEvent.GetPixelData();
   const std::string plain = ShowText(&fEvent);
   TStnEvent::SetPrintLevel(1);
   EXPECT_EQ(ShowText(&fEvent), plain);
