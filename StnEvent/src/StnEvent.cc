@@ -164,30 +164,11 @@ bool ReadFrame(TBuffer& buffer, RecordFrame* frame) {
 
 }  // namespace
 
-TStnEvent::TStnEvent()
-    : fStreamerVersion(0),
-      fEventHeader(nullptr),
-      fFADCData(nullptr),
-      fPixelList(nullptr),
-      fPixelData(nullptr),
-      fTriggerData(nullptr),
-      fT3Data(nullptr),
-      fGeometryData(nullptr) {
+TStnEvent::TStnEvent() {
   if (fgPrintLevel > 1) VD_DEBUG << "TStnEvent::TStnEvent()" << std::endl;
 }
 
-TStnEvent::TStnEvent(const TStnEvent& rhs)
-    : TObject(rhs),
-      fStreamerVersion(0),
-      fEventHeader(nullptr),
-      fFADCData(nullptr),
-      fPixelList(nullptr),
-      fPixelData(nullptr),
-      fTriggerData(nullptr),
-      fT3Data(nullptr),
-      fGeometryData(nullptr) {
-  *this = rhs;
-}
+TStnEvent::TStnEvent(const TStnEvent& rhs) : TObject(rhs) { *this = rhs; }
 
 // clang-format off
 TStnEvent& TStnEvent::operator=(const TStnEvent& rhs) {
@@ -271,8 +252,7 @@ TStnPixelList* TStnEvent::GetPixelList() {
   static Int_t warning_printed = 0;
 
   if (fPixelList == nullptr) fPixelList = new TStnPixelList();
-  // 0 is a list made in this process. Those of today's files are among the mended: their writers filled the station
-  // from the same unreliable source.
+  // 0 is a list made in this process. Every list that was read is mended, those of today's version 4 included.
   const Version_t version = fPixelList->fStreamerVersion;
   if (version < 1 || version > 4) return fPixelList;
 

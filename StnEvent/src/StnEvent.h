@@ -124,14 +124,14 @@ class TStnEvent : public TObject {
   void ReadRecord(TBuffer& buffer);
   void AddNominalDirections();
 
-  Version_t fStreamerVersion;       //! version read from file
-  TStnEventHeader* fEventHeader;    // station event header
-  TStnFADCData* fFADCData;          // container of FADC traces
-  TStnPixelList* fPixelList;        // (compressed) list of pixels
-  TStnPixelData* fPixelData;        // container of TMirrorPixelData
-  TStnTriggerData* fTriggerData;    // trigger info (unused)
-  TStnT3Data* fT3Data;              // T3 info (used)
-  TStnGeometryData* fGeometryData;  // geometry information
+  Version_t fStreamerVersion = 0;             //! version read from file
+  TStnEventHeader* fEventHeader = nullptr;    // station event header
+  TStnFADCData* fFADCData = nullptr;          // container of FADC traces
+  TStnPixelList* fPixelList = nullptr;        // (compressed) list of pixels
+  TStnPixelData* fPixelData = nullptr;        // container of TMirrorPixelData
+  TStnTriggerData* fTriggerData = nullptr;    // trigger info (unused)
+  TStnT3Data* fT3Data = nullptr;              // T3 info (used)
+  TStnGeometryData* fGeometryData = nullptr;  // geometry information
 
   ClassDefOverride(TStnEvent, 5)
 };

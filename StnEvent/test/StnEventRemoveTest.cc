@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -258,7 +259,8 @@ TEST_F(StnEventRemoveTest, WorksOnAnEmptyEvent) {
 }
 
 TEST_F(StnEventRemoveTest, SkipsPixelsWithoutATrace) {
-  fEvent.GetFADCData()->RemoveFADCData(Trace(3, 5));
+  const std::unique_ptr<const TFADCData> removed(Trace(3, 5));
+  fEvent.GetFADCData()->RemoveFADCData(removed.get());
   Remove(3);
   EXPECT_EQ(fMirror.GetFADCData()->GetNumTraces(), 1U);
   EXPECT_EQ(fMirror.GetPixelList()->GetNumPixels(), 2U);
