@@ -91,8 +91,11 @@ void TMirrorPixelList::ReadRecord(TBuffer& b) {
     return;
   }
   fNPixels = 0;
+  const Int_t limit = reader.BytesLeft() / sizeof(UInt_t);
   reader.ReadByDescription(this);
-  if (reader.IsGood() && (fNPixels == 0 || fPixelWord || reader.Fail("fPixelWord", 0, "1"))) Unpack(fPixelWord);
+  const bool has_array = fNPixels == 0 || fPixelWord;
+  if (reader.CheckCount("fNPixels", fNPixels, limit) && (has_array || reader.Fail("fPixelWord", 0, "1")))
+    Unpack(fPixelWord);
   delete[] fPixelWord;
   fPixelWord = nullptr;
 }
