@@ -9,6 +9,7 @@
 #include <TBuffer.h>
 #include <TClass.h>
 #include <TMemFile.h>
+#include <TNamed.h>
 #include <TString.h>
 #include <TSysEvtHandler.h>
 #include <TSystem.h>
@@ -29,9 +30,9 @@
 
 ClassImp(TStnEventFile)
 
-/// Closes the files open for writing when a signal comes, and lets the signal then have its usual effect. Nothing
-/// installs it: whoever does decides which signals may end the process in this way.
-class TStnEventFileSignalHandler : public TSignalHandler {
+    /// Closes the files open for writing when a signal comes, and lets the signal then have its usual effect. Nothing
+    /// installs it: whoever does decides which signals may end the process in this way.
+    class TStnEventFileSignalHandler : public TSignalHandler {
  public:
   TStnEventFileSignalHandler(ESignals sig);
   ~TStnEventFileSignalHandler() override;
@@ -104,10 +105,9 @@ void PrepareForExit() {
   TStnEventFile::Class();
   TDirectory::TContext keep_directory;
   TMemFile file("StnEventFile.root", "RECREATE");
-  TStnEvent event;
-  TStnEvent* address = &event;
-  auto tree = new TTree(gStnTreeName, "");
-  MakeEventBranch(tree, &address);
+  TNamed object;
+  auto tree = new TTree("tree", "");
+  tree->Branch("object", &object, 500, 1);
   tree->Fill();
   file.Write();
 }
@@ -165,7 +165,7 @@ void TStnEventFile::Close(Option_t* option) {
 UInt_t TStnEventFile::GetCurrentEntryId() const {
   if (fNEntries == 0) return 0;
   if (fCurrentEntry >= fNEntries) return fNEntries - 1;
-  return fCurrentEntry == 0 ? 0 : fCurrentEntry - 1;
+  return fCurrentEntry == 0 ? 0 : static_cast<UInt_t>(fCurrentEntry) - 1;
 }
 
 UInt_t TStnEventFile::GetNEvents() {
@@ -175,7 +175,7 @@ UInt_t TStnEventFile::GetNEvents() {
 
 Bool_t TStnEventFile::GetTree() {
   if (fTree) return kTRUE;
-  fTree = Get<TTree>(gStnTreeName);
+  fTree = static_cast<TTree*>(GetOfClass(gStnTreeName, TTree::Class()));
   if (!fTree) {
     VD_ERROR << "TStnEventFile::GetTree() - no Tree with name '" << gStnTreeName << "' found !" << std::endl;
     return kFALSE;
@@ -183,6 +183,15 @@ Bool_t TStnEventFile::GetTree() {
   if (fgPrintLevel > 2) fTree->Print("");
   fNEntries = static_cast<Int_t>(fTree->GetEntries());
   return kTRUE;
+}
+
+// A file object without a file has neither a directory to go to nor a list of objects to look into.
+void TStnEventFile::EnterDirectory() {
+  if (IsOpen()) cd();
+}
+
+void* TStnEventFile::GetOfClass(const char* name, const TClass* wanted) {
+  return IsOpen() ? GetObjectChecked(name, wanted) : nullptr;
 }
 
 void TStnEventFile::Show(std::ostream& str) {
@@ -299,7 +308,7 @@ Bool_t TStnEventFile::GetBranches(TStnEvent** event) {
 }
 
 Bool_t TStnEventFile::ReadEvent(TStnEvent** event) {
-  cd();
+  EnterDirectory();
   if (!GetTree() || !GetBranches(event)) return kFALSE;
   if (*event) (*event)->Clear("");
   if (fCurrentEntry >= fNEntries) {
@@ -317,7 +326,7 @@ Bool_t TStnEventFile::ReadEvent(TStnEvent** event) {
 
 Bool_t TStnEventFile::ReadEventHeader(TStnEventHeader** header) {
   assert(header != __null);
-  cd();
+  EnterDirectory();
   if (!GetTree() || !GetBranches(&fPartialEvent)) return kFALSE;
   if (fCurrentEntry >= fNEntries) {
     VD_ERROR << "TStnEventFile::ReadEventHeader() - end of file reached !" << std::endl;
@@ -347,16 +356,16 @@ Int_t TStnEventFile::ReadPartialEvent() {
 }
 
 Bool_t TStnEventFile::ReadRunHeader(TStnRunHeader** header) {
-  cd();
+  EnterDirectory();
   SafeDelete(*header);
-  *header = Get<TStnRunHeader>("RunHeader");
+  *header = static_cast<TStnRunHeader*>(GetOfClass("RunHeader", TStnRunHeader::Class()));
   return *header ? kTRUE : ReportMissingRecord("RunHeader");
 }
 
 Bool_t TStnEventFile::ReadRunTrailer(TStnRunTrailer** trailer) {
-  cd();
+  EnterDirectory();
   SafeDelete(*trailer);
-  *trailer = Get<TStnRunTrailer>("RunTrailer");
+  *trailer = static_cast<TStnRunTrailer*>(GetOfClass("RunTrailer", TStnRunTrailer::Class()));
   return *trailer ? kTRUE : ReportMissingRecord("RunTrailer");
 }
 
@@ -375,8 +384,7 @@ void TStnEventFile::Setup() {
 }
 
 void TStnEventFile::ExitHandler() {
-  if (fgPrintLevel > 1)
-    VD_INFO << "TStnEventFile::ExitHandler() - closing files open for writing ..." << std::endl;
+  if (fgPrintLevel > 1) VD_INFO << "TStnEventFile::ExitHandler() - closing files open for writing ..." << std::endl;
   for (auto entry = fgFileList.begin(); entry != fgFileList.end(); entry = fgFileList.erase(entry)) {
     if (*entry && fgPrintLevel > 1) VD_DEBUG << "\t\t... closing: " << Address{*entry} << std::endl;
     delete *entry;

@@ -111,14 +111,16 @@ class TStnEventFile : public TFile {
   /// Registers `ExitHandler` with `atexit`, once per process.
   void Setup();
 
-  static std::list<TStnEventFile*> fgFileList;                            //! files open for writing; null when deleted
-  static int fgPrintLevel;                                                //! print level of this class
+  static std::list<TStnEventFile*> fgFileList;                        //! files open for writing; null when deleted
+  static int fgPrintLevel;                                            //! print level of this class
   static std::list<TStnEventFileSignalHandler*> fgSignalHandlerList;  //! signal handlers to remove at exit
 
  private:
   friend class TStnEventFileSignalHandler;
 
   Float_t GetCompressionFactorUncounted();
+  void EnterDirectory();
+  void* GetOfClass(const char* name, const TClass* wanted);
   Bool_t IsWritingPossible(const char* what);
   Bool_t MakeTree(TStnEvent** event);
   Bool_t IsEventBranchBound();
