@@ -39,9 +39,9 @@ class TStnEventFile : public TFile {
   /// "RECREATE" to replace one, "UPDATE" to add to one, in upper or lower case; null is refused (assertion). `compress`
   /// is one of ROOT's compression settings. Failure is told by `IsZombie()`.
   ///
-  /// In "UPDATE" the first `WriteEvent` starts a new tree in place of the old one. To append to the old tree instead,
-  /// read from it first; but then all entries are lost at closing unless something else was written to the file:
-  /// builders should write another file.
+  /// Don't add events with "UPDATE": the first `WriteEvent` starts a new tree in place of the old one (unless events
+  /// were read before; then it adds to the old tree what the reading left), and closing loses the events that were
+  /// added when nothing else was written to the file, neither a full basket of events nor a run record.
   TStnEventFile(const char* fname, Option_t* option = "", const char* ftitle = "", Int_t compress = 1);
   /// Closes the file if it has been read or written.
   ~TStnEventFile() override;
