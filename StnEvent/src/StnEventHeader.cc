@@ -600,16 +600,26 @@ void TStnEventHeader::ReadByDescription(TBuffer& R__b, Version_t R__v, UInt_t R_
 }
 
 void TStnEventHeader::ReadByHand(TBuffer& R__b, Version_t R__v, UInt_t R__s, UInt_t R__c) {
-  using Reader = void (TStnEventHeader::*)(TBuffer&);
-  static const Reader kReaders[] = {&TStnEventHeader::StreamerV4, &TStnEventHeader::StreamerV5,
-                                    &TStnEventHeader::StreamerV6, &TStnEventHeader::StreamerV7,
-                                    &TStnEventHeader::StreamerV8};
-  if (R__v < kFirstReadableVersion) {
-    VD_ERROR << "TStnEventHeader::Streamer() - version " << R__v << " not streamable !" << std::endl;
-  } else {
-    (this->*kReaders[R__v - kFirstReadableVersion])(R__b);
-    R__b.CheckByteCount(R__s, R__c, IsA());
+  switch (R__v) {
+    case 4:
+      StreamerV4(R__b);
+      break;
+    case 5:
+      StreamerV5(R__b);
+      break;
+    case 6:
+      StreamerV6(R__b);
+      break;
+    case 7:
+      StreamerV7(R__b);
+      break;
+    case 8:
+      StreamerV8(R__b);
+      break;
+    default:
+      VD_ERROR << "TStnEventHeader::Streamer() - version " << R__v << " not streamable !" << std::endl;
   }
+  if (R__v >= kFirstReadableVersion) R__b.CheckByteCount(R__s, R__c, IsA());
   FillMissingFields(R__v);
 }
 
