@@ -23,7 +23,8 @@ void RequireUsableName(const std::string& path, bool force) {
   std::error_code error;
   auto status = std::filesystem::status(path, error);
   if (!std::filesystem::exists(status)) return;
-  if (!std::filesystem::is_regular_file(status)) throw ToolError(kCannotWrite, path + " exists and is no plain file");
+  if (!std::filesystem::is_regular_file(status))
+    throw ToolError(kCannotWrite, path + " exists and is no plain file; choose another name");
   if (!force) throw ToolError(kCannotWrite, path + " exists already; choose another name, or --force to replace it");
 }
 

@@ -1,0 +1,90 @@
+// ToolTestFiles KIND OUT [IN]: writes a file of a kind that the programs must be able to refuse or to live with.
+
+#include "InputFile.h"
+#include "OutputFile.h"
+#include "Simulation.h"
+
+#include <TNamed.h>
+#include <TTree.h>
+
+#include <unistd.h>
+
+#include <iostream>
+#include <map>
+
+namespace {
+
+using namespace StnTools;
+
+using Writer = void (*)(const char* out, const char* in);
+
+SimulationSettings GetSmallSettings() {
+  SimulationSettings settings = SimulationSettings::Light();
+  settings.fPixels = 2;
+  return settings;
+}
+
+void WriteForeign(const char* out, const char*) {
+  TFile file(out, "RECREATE");
+  TNamed("something", "else").Write();
+}
+
+// Known names, but of other classes.
+void WriteDisguised(const char* out, const char*) {
+  TFile file(out, "RECREATE");
+  for (const char* name : {"StnEventTree", "RunHeader", "RunTrailer"})
+    TNamed(name, "not it").Write();
+}
+
+// Five events, of which the first three were saved, and then the writer dies.
+void WriteUnclosed(const char* out, const char*) {
+  Simulation simulation(GetSmallSettings());
+  auto* file = new TStnEventFile(out, "RECREATE");
+  auto* event = new TStnEvent;
+  for (UInt_t trigger = 1; trigger <= 5; ++trigger) {
+    simulation.Simulate(trigger);
+    simulation.Build(*event);
+    file->WriteEvent(&event);
+    if (trigger == 3) file->Get<TTree>("StnEventTree")->AutoSave();
+  }
+  file->Flush();
+  _exit(0);
+}
+
+// A run that was neither begun nor ended: three events and nothing else.
+void WriteBare(const char* out, const char*) {
+  Simulation simulation(GetSmallSettings());
+  OutputFile file(out, true, 1);
+  for (UInt_t trigger = 1; trigger <= 3; ++trigger) {
+    simulation.Simulate(trigger);
+    simulation.Build(file.GetEvent());
+    file.WriteEvent();
+  }
+  file.Finish();
+}
+
+// The same events, but for one count in one sample of the second event.
+void WriteAltered(const char* out, const char* in) {
+  InputFile input("ToolTestFiles", in);
+  OutputFile output(out, true, 1);
+  for (UInt_t entry = 0; entry < input.GetNEvents(); ++entry) {
+    output.GetEvent() = *input.ReadEvent(entry);
+    std::unique_ptr<TIterator> next(output.GetEvent().GetFADCData()->GetIterator());
+    if (entry == 1) ++static_cast<TFADCData*>(next->Next())->GetRecord()->fFadcData[500].fWord;
+    output.WriteEvent();
+  }
+  output.Finish();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::map<std::string, Writer> writers = {{"foreign", WriteForeign},
+                                                 {"disguised", WriteDisguised},
+                                                 {"unclosed", WriteUnclosed},
+                                                 {"bare", WriteBare},
+                                                 {"altered", WriteAltered}};
+  if (argc < 3 || writers.count(argv[1]) == 0) return 2;
+  writers.at(argv[1])(argv[2], argc > 3 ? argv[3] : "");
+  return 0;
+}
