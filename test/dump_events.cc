@@ -91,9 +91,13 @@ ordered_json PixelData(TStnPixelData* data) {
 
 ordered_json Trace(const TFADCData& trace) {
   const auto& record = *trace.GetRecord();
+  // Words behind the last one that is not 0 are left out.
+  UInt_t n_words = TFADCData::kNFADCWords;
+  while (n_words > 0 && record.fFadcData[n_words - 1].fWord == 0)
+    --n_words;
   auto words = ordered_json::array();
-  for (const auto& word : record.fFadcData)
-    words.push_back(word.fWord);
+  for (UInt_t i = 0; i < n_words; ++i)
+    words.push_back(record.fFadcData[i].fWord);
   const auto& monitor = record.fMonitor;
   return {{"station_pixel", VdUtil::Vd::GetStnPixelNo(trace.GetPixelNumber())},
           {"pixel_word", record.fPixelNumber.fPixelNumber},
