@@ -179,4 +179,13 @@ TEST(MrEvent, EachClassHasItsVersion) {
   }
 }
 
+// ROOT stores records of version 1 that have no ClassDef with a checksum in place of the version.
+TEST(MrEvent, PlainRecordsHaveAVersionThatIsStored) {
+  for (const char* name : {"TMirrorEventHeader::_MirrorEventHeaderRec", "TMirrorRunTrailer::_MirrorRunTrailerRec"}) {
+    TClass* cl = TClass::GetClass(name);
+    ASSERT_NE(cl, nullptr) << name;
+    EXPECT_EQ(cl->GetClassVersion(), 2) << name;
+  }
+}
+
 }  // namespace
