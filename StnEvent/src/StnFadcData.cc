@@ -55,7 +55,7 @@ void TStnFADCData::Reserve(Int_t capacity) {
 TFADCData* TStnFADCData::GetTrace(UInt_t stn_pixel) const {
   const Int_t slot = stn_pixel;
   if (slot < 1 || slot > GetCapacity()) return nullptr;
-  return static_cast<TFADCData*>(fFADCData->At(slot));
+  return static_cast<TFADCData*>(GetArray().At(slot));
 }
 
 void TStnFADCData::AddFADCData(TFADCData* fadc, bool is_owner) {
