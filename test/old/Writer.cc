@@ -1,51 +1,22 @@
 // The one main program of all writers of old files. It knows no class: those that it is linked with decide what it
 // writes, and their descriptions tell it where each member is.
 
+#include "Members.h"
 #include "Rule.h"
 
 #include <TClass.h>
-#include <TError.h>
 #include <TFile.h>
-#include <TInterpreter.h>
 #include <TObjArray.h>
-#include <TStreamerElement.h>
-#include <TStreamerInfo.h>
 #include <TString.h>
-#include <TSystem.h>
 #include <TTree.h>
 
-#include <cstring>
 #include <iostream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
-namespace {
+using namespace old_files;
 
-/// Calls `use` with a value of the basic type that a description's type code names.
-template <typename Use>
-void WithType(int type, Use use) {
-  switch (type) {
-    case TVirtualStreamerInfo::kUChar:
-      return use(UChar_t());
-    case TVirtualStreamerInfo::kShort:
-      return use(Short_t());
-    case TVirtualStreamerInfo::kUShort:
-      return use(UShort_t());
-    case TVirtualStreamerInfo::kInt:
-    case TVirtualStreamerInfo::kCounter:
-      return use(Int_t());
-    case TVirtualStreamerInfo::kUInt:
-      return use(UInt_t());
-    case TVirtualStreamerInfo::kULong64:
-      return use(ULong64_t());
-    case TVirtualStreamerInfo::kFloat:
-      return use(Float_t());
-    case TVirtualStreamerInfo::kDouble:
-      return use(Double_t());
-  }
-  Fatal("WithType", "no rule for members of type %d", type);
-}
+namespace {
 
 /// Makes objects and fills them by the rule. They live as long as the process, which writes one file.
 class Maker {
@@ -56,60 +27,50 @@ class Maker {
     TClass* description = TClass::GetClass(class_name);
     if (!description || !description->HasDictionary()) Fatal("Maker", "no class %s", class_name);
     auto* object = static_cast<TObject*>(description->New());
-    Fill(reinterpret_cast<char*>(object), description, place);
+    ForEachMember(description, object, [&](const std::string& name, char* member, TStreamerElement& element) {
+      FillMember(member, name, element, place);
+    });
     return object;
   }
 
  private:
-  void Fill(char* object, TClass* description, Rule::Place place) {
-    for (auto* entry : *description->GetStreamerInfo()->GetElements()) {
-      auto& element = *static_cast<TStreamerElement*>(entry);
-      if (element.IsBase()) continue;
-      const std::string name = std::string(description->GetName()) + "::" + element.GetName();
-      FillMember(object + element.GetOffset(), name, element, place);
-    }
-  }
-
   void FillMember(char* member, const std::string& name, TStreamerElement& element, Rule::Place place) {
-    const int length = std::max(1, element.GetArrayLength());
     if (element.InheritsFrom(TStreamerBasicPointer::Class())) {
       const std::string owner = name.substr(0, name.rfind(':') + 1);
       const auto count = fRule.As<Int_t>(owner + static_cast<TStreamerBasicPointer&>(element).GetCountName(), place);
-      *reinterpret_cast<char**>(member) = new char[count * sizeof(Double_t)];
-      FillNumbers(*reinterpret_cast<char**>(member), name, element.GetType() % 20, count, place);
+      auto*& array = *reinterpret_cast<char**>(member);
+      array = new char[count * sizeof(Double_t)];
+      FillNumbers(array, name, element, count, place);
     } else if (element.InheritsFrom(TStreamerBasicType::Class())) {
-      FillNumbers(member, name, element.GetType() % 20, length, place);
+      FillNumbers(member, name, element, GetLength(element), place);
     } else if (element.InheritsFrom(TStreamerString::Class())) {
       *reinterpret_cast<TString*>(member) = name;
     } else if (!element.IsaPointer()) {
-      FillTimes(member, name, element, length, place);
+      FillTimes(member, name, element, place);
     } else {
-      FillPointers(reinterpret_cast<TObject**>(member), name, element, length, place);
+      FillPointers(reinterpret_cast<TObject**>(member), name, element, place);
     }
   }
 
-  void FillNumbers(char* member, const std::string& name, int type, int length, Rule::Place place) {
-    WithType(type, [&](auto zero) {
+  void FillNumbers(char* member, const std::string& name, TStreamerElement& element, int length, Rule::Place place) {
+    WithType(element, [&](auto zero) {
       using T = decltype(zero);
       for (int i = 0; i < length; ++i)
         reinterpret_cast<T*>(member)[i] = fRule.As<T>(name, place, i);
     });
   }
 
-  /// The only objects that lie inside others are time stamps.
-  void FillTimes(char* member, const std::string& name, TStreamerElement& element, int length, Rule::Place place) {
-    TClass* stamp = element.GetClassPointer();
-    const Long_t sec = stamp->GetDataMemberOffset("fSec");
-    const Long_t nano_sec = stamp->GetDataMemberOffset("fNanoSec");
-    for (int i = 0; i < length; ++i, member += stamp->Size()) {
-      *reinterpret_cast<Int_t*>(member + sec) = fRule.Seconds(name, place, i);
-      *reinterpret_cast<Int_t*>(member + nano_sec) = fRule.NanoSeconds(name, place, i);
+  void FillTimes(char* member, const std::string& name, TStreamerElement& element, Rule::Place place) {
+    for (int i = 0; i < GetLength(element); ++i) {
+      const TimeMembers time(element, member, i);
+      *time.fSec = fRule.Seconds(name, place, i);
+      *time.fNanoSec = fRule.NanoSeconds(name, place, i);
     }
   }
 
   /// Pointers come alone, or one for each mirror.
-  void FillPointers(TObject** member, const std::string& name, TStreamerElement& element, int length,
-                    Rule::Place place) {
+  void FillPointers(TObject** member, const std::string& name, TStreamerElement& element, Rule::Place place) {
+    const int length = GetLength(element);
     if (element.GetClassPointer() == TObjArray::Class()) {
       *member = MakeTraces(place);
     } else if (length == 1) {
@@ -165,16 +126,14 @@ void WriteFile(TFile& file, Maker& maker) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Nothing but the classes linked in, whatever else lies in the library path.
-  gInterpreter->SetClassAutoloading(false);
-  if (std::strstr(gSystem->GetLibraries(), "libStnEvent.")) Fatal("main", "today's classes are linked in");
+  UseLinkedClassesOnly();
   if (argc < 2) {
     std::cerr << "usage: " << argv[0] << " FILE [station=N] [Class::member=value]...\n";
     return 2;
   }
   const Rule rule(std::vector<std::string>(argv + 2, argv + argc));
   Maker maker(rule);
-  TFile file(argv[1], "RECREATE");
+  TFile file(argv[1], "RECREATE", "", 109);
   if (file.IsZombie()) return 1;
   WriteFile(file, maker);
   return file.TestBit(TFile::kWriteError) ? 1 : 0;
