@@ -5,7 +5,6 @@
 #include <VdUtil/ErrorLogger.h>
 #include <VdUtil/VdConfig.h>
 
-#include <Bytes.h>
 #include <TBuffer.h>
 #include <TClass.h>
 #include <TStreamerElement.h>
@@ -28,7 +27,7 @@ const UInt_t kNWords = Vd::kSTN_NEXTPIXELS / 32;
 
 // ROOT's marks of a byte count before a version: in its four bytes, and in the first two of them.
 const UInt_t kByteCountMask = 0x40000000;
-const UShort_t kByteCountVMask = 0x4000;
+const UInt_t kByteCountVMask = 0x4000;
 
 bool IsStnPixel(UInt_t stn_pixel) { return stn_pixel >= 1 && stn_pixel <= Vd::kSTN_NEXTPIXELS; }
 
@@ -48,13 +47,12 @@ class TRecordCheck {
   bool HasDescribed(const TVirtualStreamerInfo* description);
 
  private:
-  template <typename T>
-  T Peek(UInt_t offset) const {
-    char* bytes = fBuffer.Buffer() + fPosition + offset;
-    T value;
-    frombuf(bytes, &value);
-    return value;
+  // Most significant byte first, as ROOT writes numbers, and at any address.
+  UInt_t Peek2(UInt_t offset) const {
+    const auto* bytes = reinterpret_cast<const UChar_t*>(fBuffer.Buffer()) + fPosition + offset;
+    return bytes[0] << 8 | bytes[1];
   }
+  UInt_t Peek4(UInt_t offset) const { return Peek2(offset) << 16 | Peek2(offset + 2); }
   UInt_t GetLeft() const { return fEnd > fPosition ? fEnd - fPosition : 0; }
   bool Has(const std::string& field, UInt_t n_bytes) const;
   bool HasWords(UInt_t n_words) const;
@@ -89,24 +87,24 @@ bool TRecordCheck::HasWords(UInt_t n_words) const {
 /// of 0 and below bring a checksum.
 bool TRecordCheck::HasFrame() const {
   if (!Has("version", 4)) return false;
-  if (!(Peek<UInt_t>(0) & kByteCountMask)) return true;
+  if (!(Peek4(0) & kByteCountMask)) return true;
   if (!Has("version", 6)) return false;
-  return Peek<Short_t>(4) > 0 || Has("checksum", 10);
+  return static_cast<Short_t>(Peek2(4)) > 0 || Has("checksum", 10);
 }
 
 /// What `TObject::Streamer` reads: a version, perhaps with a byte count, the unique id, the flag word, and the process
 /// id if the flag word says that the object is referenced.
 bool TRecordCheck::SkipObject() {
   if (!Has("TObject", 10)) return false;
-  const UInt_t frame = Peek<UShort_t>(0) & kByteCountVMask ? 6 : 2;
+  const UInt_t frame = Peek2(0) & kByteCountVMask ? 6 : 2;
   if (!Has("TObject", frame + 8)) return false;
-  const bool is_referenced = Peek<UInt_t>(frame + 4) & TObject::kIsReferenced;
+  const bool is_referenced = Peek4(frame + 4) & TObject::kIsReferenced;
   return Skip("TObject", frame + 8 + (is_referenced ? 2 : 0));
 }
 
 bool TRecordCheck::HasVersion2() {
   if (!SkipObject() || !Skip("fNPixels", 4) || !Has("fPixelVectorSize", 4)) return false;
-  const auto n_words = Peek<UInt_t>(0);
+  const UInt_t n_words = Peek4(0);
   return Skip("fPixelVectorSize", 4) && HasWords(n_words);
 }
 
@@ -142,7 +140,7 @@ bool TRecordCheck::HasDescribed(const TVirtualStreamerInfo* description) {
     const auto& element = *static_cast<const TStreamerElement*>(object);
     if (is_size_known && IsPixelVector(element)) return Skip("fPixelVector", 1) && HasWords(n_words);
     if (std::string(element.GetName()) == "fPixelVectorSize" && GetNumberSize(element) == 4 && GetLeft() >= 4) {
-      n_words = Peek<UInt_t>(0);
+      n_words = Peek4(0);
       is_size_known = true;
     }
     if (!SkipElement(element)) return false;
