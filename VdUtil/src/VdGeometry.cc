@@ -42,7 +42,7 @@ VdGeometry::_StnGeometryRec VdGeometry::GetStnGeometry(unsigned int stn_no) {
 
 void VdGeometry::GetTelescopeAxis(unsigned int vd_mirror_no, double& azimuth, double& elevation) {
   azimuth = elevation = 0;
-  if (vd_mirror_no == 0) return;
+  // Number 0 wraps to a station that does not exist, which has no mirrors.
   const unsigned int stn = (vd_mirror_no - 1) / Vd::kSTN_NMIRRORS + 1;
   const unsigned int mirror = (vd_mirror_no - 1) % Vd::kSTN_NMIRRORS + 1;
   const unsigned int last = Vd::GetStnLastMirrorNo(stn);

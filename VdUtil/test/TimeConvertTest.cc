@@ -6,6 +6,8 @@
 #include <string>
 #include <thread>
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include <TClass.h>
@@ -81,6 +83,13 @@ tm GetDate() {
   date.tm_min = 59;
   date.tm_sec = 60;
   return date;
+}
+
+bool gConvertAtTheVeryEnd = false;
+
+// Runs after all exit handlers and destructors of static objects.
+__attribute__((destructor)) void ConvertAtTheVeryEnd() {
+  if (gConvertAtTheVeryEnd) _exit(TimeConvert::GetUnixTimeFromGPSTime(46828801) == 362793600 ? 7 : 2);
 }
 
 // Runs while static objects are made, before main.
@@ -160,6 +169,15 @@ TEST(TimeConvert, WorksInExitHandlers) {
   EXPECT_EXIT(
       {
         std::atexit([] { _exit(TimeConvert::GetGPSTimeFromUnixTime(kEpoch + 7)); });
+        std::exit(1);
+      },
+      testing::ExitedWithCode(7), "");
+}
+
+TEST(TimeConvert, WorksAfterStaticObjectsAreGone) {
+  EXPECT_EXIT(
+      {
+        gConvertAtTheVeryEnd = true;
         std::exit(1);
       },
       testing::ExitedWithCode(7), "");
