@@ -9,9 +9,9 @@
 #include <TList.h>
 #include <TSystem.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -20,6 +20,7 @@
 
 namespace {
 
+using testing::HasSubstr;
 using VdRoot::TTimeStamp;
 
 /// What a call writes to `std::cerr`; nothing of it may reach the logger.
@@ -312,14 +313,13 @@ TEST(StnRunTrailerDeathTest, AssertsThatThereIsAMirrorsTrailer) {
 
 TEST(StnRunTrailer, StampsThePresentMoment) {
   TStnRunTrailer trailer;
-  const time_t before = time(nullptr);
+  const TTimeStamp before;
   trailer.SetStartTime();
   trailer.SetStopTime();
-  const time_t after = time(nullptr);
-  EXPECT_GE(trailer.GetStartTime().GetSec(), before);
-  EXPECT_LE(trailer.GetStartTime().GetSec(), after);
-  EXPECT_GE(trailer.GetStopTime().GetSec(), before);
-  EXPECT_LE(trailer.GetStopTime().GetSec(), after);
+  const TTimeStamp after;
+  EXPECT_FALSE(trailer.GetStartTime() < before);
+  EXPECT_FALSE(trailer.GetStopTime() < trailer.GetStartTime());
+  EXPECT_FALSE(after < trailer.GetStopTime());
 }
 
 /// The length that a trailer gives a run between two Unix seconds.
@@ -403,6 +403,19 @@ TEST(StnRunTrailer, ShowsNoOptionalLinesWithoutTheirValues) {
                 " acc. VETO time :                    0 [* ]\n"
                 " Dead time[6]   :                    0 [* 100 ns]\n"
                 " Life time[6]   :          0 [* sec]\n");
+}
+
+TEST(StnRunTrailer, ShowsOptionalLinesFromOneOn) {
+  TStnRunTrailer trailer;
+  trailer.SetMirrorPresent(2);
+  trailer.SetMirrorDaqDeadTime(1, 2);
+  trailer.SetMirrorNSkippedTriggers(1, 2);
+  trailer.SetNumberOfT3(1);
+  trailer.SetStnDaqDeadTime(1);
+  const std::string text = ShowText(trailer);
+  EXPECT_THAT(text, HasSubstr("\n Number of T3    : 1\n  rejected T3    : 0\n  T3 dead time   : 0 [s]\n"));
+  EXPECT_THAT(text, HasSubstr("\nDaq Dead time[2]:                    1 [* 100 ns]\nSkpd triggers[2]: 1\n"
+                              " Stn DAQ Dead time:                    1 [* 100 ns]\n"));
 }
 
 TEST(StnRunTrailer, ComesBackFromABuffer) {
