@@ -7,6 +7,7 @@
 
 #include <TBufferFile.h>
 #include <TClass.h>
+#include <TMemFile.h>
 #include <TStreamerInfo.h>
 #include <TSystem.h>
 
@@ -115,6 +116,17 @@ TEST_F(StnEventStreamerTest, BringsAWholeEventBack) {
   EXPECT_EQ(fRead.GetT3Data()->GetNPixels(), 9U);
   EXPECT_TRUE(Has(fRead, "fTriggerData"));
   ExpectAxis(&fRead, 6, 10.0F, 11.0F);
+}
+
+TEST_F(StnEventStreamerTest, ComesBackAsAnObjectOfAFile) {
+  TMemFile file("event.root", "RECREATE");
+  file.WriteObject(&fMislabelled, "event");
+  const std::unique_ptr<TStnEvent> read(file.Get<TStnEvent>("event"));
+  ASSERT_NE(read, nullptr);
+  EXPECT_EQ(Member<Version_t>(*read, "fStreamerVersion"), 5);
+  EXPECT_EQ(read->GetPixelList()->GetNumPixels(), 3U);
+  EXPECT_EQ(read->GetPixelData()->GetPixelData(3)->GetStnNo(), 2U);
+  EXPECT_EQ(fLog.Take(), "");
 }
 
 TEST_F(StnEventStreamerTest, EndsAtTheEndOfTheRecord) {
