@@ -30,7 +30,7 @@ int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>&
     return error.GetCode();
   } catch (const std::exception& error) {
     std::cerr << app.get_name() << ": " << error.what() << std::endl;
-    return kUsage;
+    return kDamage;
   }
 }
 

@@ -25,8 +25,9 @@ std::uint64_t GetNumber(const unsigned char* bytes, int n) {
 
 std::uint64_t GetFileSize(const std::string& path) {
   struct stat info;
-  if (stat(path.c_str(), &info) != 0 && errno == ENOENT) {
-    throw ToolError(kCannotOpen, path + " does not exist; check the name");
+  if (stat(path.c_str(), &info) != 0) {
+    if (errno == ENOENT) throw ToolError(kCannotOpen, path + " does not exist; check the name");
+    throw ToolError(kCannotOpen, path + " cannot be opened: " + std::strerror(errno) + "; check the name");
   }
   if (S_ISDIR(info.st_mode)) throw ToolError(kCannotOpen, path + " is a directory; name a station file in it");
   return static_cast<std::uint64_t>(info.st_size);
@@ -37,7 +38,8 @@ std::uint64_t GetFileSize(const std::string& path) {
 FileFrame ReadFileFrame(const std::string& path) {
   std::uint64_t size = GetFileSize(path);
   std::ifstream file(path, std::ios::binary);
-  if (!file) throw ToolError(kCannotOpen, path + " cannot be opened: " + std::strerror(errno));
+  if (!file)
+    throw ToolError(kCannotOpen, path + " cannot be opened: " + std::strerror(errno) + "; check its permissions");
   if (size == 0) throw ToolError(kCannotOpen, path + " is empty; write or copy it again");
   unsigned char bytes[kFrameBytes] = {};
   file.read(reinterpret_cast<char*>(bytes), kFrameBytes);

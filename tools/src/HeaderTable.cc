@@ -17,7 +17,7 @@ struct Column {
 
 const Column kColumns[] = {
     {"entry", 7, true},    {"event", 8, true},    {"GPS sec", 10, true}, {"ns", 9, true},
-    {"UTC", 27, false},    {"type", 12, false},   {"class", 19, false},  {"mirrors", 7, false},
+    {"UTC", 30, false},    {"type", 12, false},   {"class", 19, false},  {"mirrors", 7, false},
     {"T3", 5, true},       {"quality", 8, false}, {"offset 1", 8, true}, {"offset 2", 8, true},
     {"offset 3", 8, true}, {"offset 4", 8, true}, {"offset 5", 8, true}, {"offset 6", 8, true},
 };

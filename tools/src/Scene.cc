@@ -126,7 +126,7 @@ LightTrack Scene::DrawMuon(Random& random, double edge) const {
   track.fDuration = random.Uniform(3., 8.);
   track.fColumnSpeed = length * std::cos(angle) / track.fDuration;
   track.fRowSpeed = length * std::sin(angle) / track.fDuration;
-  track.fMaximum = random.Uniform(150., 500.);
+  track.fMaximum = random.Uniform(300., 700.);
   return track;
 }
 

@@ -69,8 +69,8 @@ class HeadersTest(InputRefusals, ProgramTest):
 
 
 TABLE = """\
-  entry     event     GPS sec         ns  UTC                          type          class                mirrors     T3  quality   offset 1  offset 2  offset 3  offset 4  offset 5  offset 6
--------  --------  ----------  ---------  ---------------------------  ------------  -------------------  -------  -----  --------  --------  --------  --------  --------  --------  --------
+  entry     event     GPS sec         ns  UTC                             type          class                mirrors     T3  quality   offset 1  offset 2  offset 3  offset 4  offset 5  offset 6
+-------  --------  ----------  ---------  ------------------------------  ------------  -------------------  -------  -----  --------  --------  --------  --------  --------  --------  --------
       0         1  1400000001  859905908  2024-05-17T16:53:03.859905908Z  Physics       Muon + Noise         ---456       -  Averaged         -         -         -       400         0       500
       1         2  1400000004  286015029  2024-05-17T16:53:06.286015029Z  Physics       Muon                 ----56       -  Averaged         -         -         -         -       500         0
       2         3  1400000005  310240882  2024-05-17T16:53:07.310240882Z  Physics       Muon + Noise         123---       -  Averaged       500         0       500         -         -         -

@@ -1,0 +1,96 @@
+#include "OutputFile.h"
+#include "ToolError.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using StnTools::OutputFile;
+namespace fs = std::filesystem;
+
+template <typename Work>
+std::string GetComplaint(Work work) {
+  try {
+    work();
+    return "";
+  } catch (const StnTools::ToolError& error) {
+    return std::to_string(error.GetCode()) + " " + error.what();
+  }
+}
+
+class OutputFileTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    fs::remove("run.root");
+    fs::remove("run.root.part");
+  }
+};
+
+}  // namespace
+
+TEST_F(OutputFileTest, GetsItsNameWhenItIsFinished) {
+  OutputFile file("run.root", false, 1);
+  TStnRunHeader header;
+  file.WriteRunHeader(header);
+  EXPECT_TRUE(fs::exists("run.root.part"));
+  EXPECT_FALSE(fs::exists("run.root"));
+  file.Finish();
+  EXPECT_FALSE(fs::exists("run.root.part"));
+  EXPECT_TRUE(fs::exists("run.root"));
+}
+
+TEST_F(OutputFileTest, IsRemovedIfItIsNotFinished) {
+  {
+    OutputFile file("run.root", false, 1);
+    TStnRunHeader header;
+    file.WriteRunHeader(header);
+  }
+  EXPECT_FALSE(fs::exists("run.root.part"));
+  EXPECT_FALSE(fs::exists("run.root"));
+}
+
+TEST_F(OutputFileTest, LeavesAnExistingFileAloneUntilItIsFinished) {
+  std::ofstream("run.root") << "precious";
+  { OutputFile file("run.root", true, 1); }
+  EXPECT_EQ(fs::file_size("run.root"), 8u);
+  OutputFile file("run.root", true, 1);
+  TStnRunHeader header;
+  file.WriteRunHeader(header);
+  file.Finish();
+  EXPECT_GT(fs::file_size("run.root"), 8u);
+}
+
+TEST_F(OutputFileTest, RefusesToReplaceAFileUnlessForced) {
+  std::ofstream("run.root") << "precious";
+  EXPECT_EQ(GetComplaint([] { OutputFile file("run.root", false, 1); }),
+            "4 run.root exists already; choose another name, or --force to replace it");
+}
+
+TEST_F(OutputFileTest, RefusesNamesThatRootWouldTakeApart) {
+  for (std::string name : {"a?b.root", "a#b.root"}) {
+    EXPECT_EQ(GetComplaint([&name] { OutputFile file(name, false, 1); }),
+              "2 " + name + " cannot be written: ROOT takes ? and # for parts of a URL; choose another name");
+  }
+}
+
+TEST_F(OutputFileTest, SaysWhyItCannotGetItsName) {
+  OutputFile file("run.root", false, 1);
+  TStnRunHeader header;
+  file.WriteRunHeader(header);
+  fs::create_directory("run.root");
+  EXPECT_EQ(GetComplaint([&file] { file.Finish(); }),
+            "4 run.root could not be written (Is a directory) and was not kept; choose another place");
+}
+
+TEST_F(OutputFileTest, KeepsOneEventForAll) {
+  OutputFile file("run.root", false, 1);
+  TStnEvent* first = &file.GetEvent();
+  first->GetEventHeader()->SetEventNo(1);
+  file.WriteEvent();
+  EXPECT_EQ(&file.GetEvent(), first);
+  file.WriteEvent();
+  file.Finish();
+}
