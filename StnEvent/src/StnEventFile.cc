@@ -121,7 +121,8 @@ TStnEventFile::TStnEventFile() {
 
 TStnEventFile::TStnEventFile(const char* fname, Option_t* option, const char* ftitle, Int_t compress)
     : TFile(fname, option, ftitle, compress) {
-  if (fgPrintLevel > 1) VD_INFO << "StnEventFile::TStnEventFile('" << fname << "') - " << Address{this} << std::endl;
+  if (fgPrintLevel > 1)
+    VD_INFO << "StnEventFile::TStnEventFile('" << (fname ? fname : "") << "') - " << Address{this} << std::endl;
   assert(option != __null);
   TString mode(option);
   mode.ToUpper();
@@ -265,7 +266,7 @@ Bool_t TStnEventFile::IsEventBranchBound() {
   TBranch* branch = FindBranch(fTree, gStnBranchName);
   if (branch && branch->GetAddress()) return kTRUE;
   // The tree was found on file, and no event has been read from it: an entry would be counted and not filled.
-  VD_ERROR << "TStnEventFile::WriteEvent() - no event bound to the tree on file !" << std::endl;
+  VD_ERROR << "TStnEventFile::WriteEvent() - no event bound to the tree !" << std::endl;
   return kFALSE;
 }
 

@@ -329,7 +329,7 @@ TEST_F(StnEventFileWriteTest, RefusesAnEventForATreeThatWasOnlyCounted) {
     OpenFile file(kName, "UPDATE");
     EXPECT_EQ(file.GetNEvents(), 3u);
     EXPECT_FALSE(file.WriteEvent(&fAddress));
-    EXPECT_EQ(fLog.Take(), "ERR:TStnEventFile::WriteEvent() - no event bound to the tree on file !\n");
+    EXPECT_EQ(fLog.Take(), "ERR:TStnEventFile::WriteEvent() - no event bound to the tree !\n");
     EXPECT_EQ(file.GetNEvents(), 3u);
   }
   EXPECT_EQ(CountWholeEvents(kName), 3u);
@@ -346,7 +346,7 @@ TEST_F(StnEventFileWriteTest, RefusesAnEventForATreeOfAnotherKind) {
   OpenFile file(kName, "UPDATE");
   file.GetNEvents();
   EXPECT_FALSE(file.WriteEvent(&fAddress));
-  EXPECT_EQ(fLog.Take(), "ERR:TStnEventFile::WriteEvent() - no event bound to the tree on file !\n");
+  EXPECT_EQ(fLog.Take(), "ERR:TStnEventFile::WriteEvent() - no event bound to the tree !\n");
 }
 
 TEST_F(StnEventFileWriteTest, AppendsFromTheEventThatWasRead) {
