@@ -4,6 +4,7 @@
 #include <TClass.h>
 #include <TError.h>
 #include <TInterpreter.h>
+#include <TObjArray.h>
 #include <TStreamerElement.h>
 #include <TStreamerInfo.h>
 #include <TSystem.h>
@@ -68,6 +69,23 @@ void ForEachMember(TClass* description, void* object, Use use) {
     const std::string name = std::string(description->GetName()) + "::" + element.GetName();
     use(name, static_cast<char*>(object) + element.GetOffset(), element);
   }
+}
+
+/// Deletes an object with all that it points at; the classes of old have no destructors for that.
+inline void DeleteAll(TObject* object) {
+  if (!object) return;
+  if (object->IsA() == TObjArray::Class()) {
+    for (TObject* entry : *static_cast<TObjArray*>(object))
+      DeleteAll(entry);
+  } else {
+    ForEachMember(object->IsA(), object, [](const std::string&, char* member, TStreamerElement& element) {
+      if (element.InheritsFrom(TStreamerBasicPointer::Class())) delete[] * reinterpret_cast<char**>(member);
+      if (!element.InheritsFrom(TStreamerObjectPointer::Class())) return;
+      for (int i = 0; i < GetLength(element); ++i)
+        DeleteAll(reinterpret_cast<TObject**>(member)[i]);
+    });
+  }
+  delete object;
 }
 
 }  // namespace old_files

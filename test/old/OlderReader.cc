@@ -4,7 +4,6 @@
 #include "Members.h"
 
 #include <TFile.h>
-#include <TObjArray.h>
 #include <TString.h>
 #include <TTree.h>
 
@@ -65,15 +64,15 @@ int main(int argc, char** argv) {
   for (const char* name : {"RunHeader", "RunTrailer"}) {
     auto* record = file.Get<TObject>(name);
     PrintObject("run", record->IsA(), record);
-    delete record;
+    DeleteAll(record);
   }
-  TObject* event = nullptr;
-  tree->SetBranchAddress("StnEvent", static_cast<void*>(&event));
   for (Long64_t i = 0; i < tree->GetEntries(); ++i) {
+    TObject* event = nullptr;
+    tree->SetBranchAddress("StnEvent", static_cast<void*>(&event));
     tree->GetEntry(i);
     PrintObject(std::to_string(i), event->IsA(), event);
+    DeleteAll(event);
   }
   tree->ResetBranchAddresses();
-  delete event;
   return 0;
 }

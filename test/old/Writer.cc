@@ -6,7 +6,6 @@
 
 #include <TClass.h>
 #include <TFile.h>
-#include <TObjArray.h>
 #include <TString.h>
 #include <TTree.h>
 
@@ -18,7 +17,7 @@ using namespace old_files;
 
 namespace {
 
-/// Makes objects and fills them by the rule. They live as long as the process, which writes one file.
+/// Makes objects and fills them by the rule, with all that they point at.
 class Maker {
  public:
   explicit Maker(const Rule& rule) : fRule(rule) {}
@@ -99,8 +98,11 @@ TObject* GetSubObject(TObject* event, const char* member) {
 
 /// A station file, and beside its tree the same objects one by one, in the folder "objects".
 void WriteFile(TFile& file, Maker& maker) {
-  file.WriteTObject(maker.Make("TStnRunHeader", {}), "RunHeader");
-  file.WriteTObject(maker.Make("TStnRunTrailer", {}), "RunTrailer");
+  for (const char* name : {"RunHeader", "RunTrailer"}) {
+    TObject* record = maker.Make(Form("TStn%s", name), {});
+    file.WriteTObject(record, name);
+    DeleteAll(record);
+  }
   TDirectory* objects = file.mkdir("objects");
   auto* tree = new TTree("StnEventTree", "TStnEvent tree", 99, &file);
   tree->SetAutoSave(20000);
@@ -117,6 +119,7 @@ void WriteFile(TFile& file, Maker& maker) {
     objects->WriteTObject(event, Form("Event%u", i));
     for (const char* member : {"fEventHeader", "fPixelList", "fPixelData"})
       if (TObject* object = GetSubObject(event, member)) objects->WriteTObject(object, Form("%s%u", member, i));
+    DeleteAll(event);
   }
   tree->ResetBranchAddresses();
   file.Write(nullptr, TObject::kOverwrite);
