@@ -205,8 +205,10 @@ void TFADCData::Unpack(const UChar_t* low, const UChar_t* high) {
 
   Word* words = fRecord->fFadcData;
   std::fill(words, words + kNFADCWords, Word());
-  for (Int_t i = 0; i < fNLow; ++i)
+  const Int_t n_low = low ? fNLow : 0;
+  const Int_t n_high = high ? fNHigh : 0;
+  for (Int_t i = 0; i < n_low; ++i)
     words[fFirstLow + i].fWord = fBase + low[i];
-  for (Int_t i = 0; i < fNHigh; ++i)
+  for (Int_t i = 0; i < n_high; ++i)
     words[fFirstHigh + i].fWord += high[i] << 8;
 }

@@ -130,7 +130,7 @@ void TMirrorPixelData::Streamer(TBuffer& b) {
 
 void TMirrorPixelData::WriteRecord(TBuffer& b) {
   static thread_local UShort_t pixel_no[kNPixels];
-  static thread_local UInt_t words[kNPixels * kNWords];
+  static thread_local UInt_t words[kNPixels][kNWords];
 
   fUnused = fRecord->fUnused;
   fMirrorNumber = UShort_t(fRecord->fMirrorNumber.fMirrorNumber);
@@ -138,12 +138,12 @@ void TMirrorPixelData::WriteRecord(TBuffer& b) {
   for (UInt_t index = 0; index < kNPixels; ++index) {
     const UInt_t* trigger = fRecord->fTrigger[index];
     if (!IsAnySet(trigger)) continue;
-    std::copy(trigger, trigger + kNWords, words + fNTriggered * kNWords);
+    std::copy(trigger, trigger + kNWords, words[fNTriggered]);
     pixel_no[fNTriggered++] = index + 1;
   }
   fNTriggerWords = fNTriggered * kNWords;
   fPixelNo = pixel_no;
-  fTriggerWord = words;
+  fTriggerWord = words[0];
   b.WriteClassBuffer(Class(), this);
   fPixelNo = nullptr;
   fTriggerWord = nullptr;
@@ -184,7 +184,8 @@ bool TMirrorPixelData::CheckCounts(MrRecordReader& reader) const {
 
 /// Fills the record from the form on file, whose counts have been checked.
 void TMirrorPixelData::Unpack(MrRecordReader& reader, const UShort_t* pixel_no, const UInt_t* words) {
-  for (Int_t i = 0; i < fNTriggered; ++i) {
+  const Int_t n = pixel_no && words ? fNTriggered : 0;
+  for (Int_t i = 0; i < n; ++i) {
     if (pixel_no[i] >= 1 && pixel_no[i] <= kNPixels) continue;
     reader.Fail("fPixelNo", pixel_no[i], "1 to " + std::to_string(kNPixels));
     return;
@@ -192,6 +193,6 @@ void TMirrorPixelData::Unpack(MrRecordReader& reader, const UShort_t* pixel_no, 
   Clear();
   fRecord->fUnused = fUnused;
   fRecord->fMirrorNumber.fMirrorNumber = fMirrorNumber;
-  for (Int_t i = 0; i < fNTriggered; ++i)
-    std::copy(words + i * kNWords, words + (i + 1) * kNWords, fRecord->fTrigger[pixel_no[i] - 1]);
+  for (Int_t i = 0; i < n; ++i, words += kNWords)
+    std::copy(words, words + kNWords, fRecord->fTrigger[pixel_no[i] - 1]);
 }

@@ -8,7 +8,7 @@ TMirrorEventHeader::TMirrorEventHeader(const TMirrorEventHeader& rhs)
     : TObject(rhs), fData(*rhs.fRecord), fRecord(&fData) {}
 
 TMirrorEventHeader& TMirrorEventHeader::operator=(const TMirrorEventHeader& rhs) {
-  *fRecord = *rhs.fRecord;
+  if (this != &rhs) *fRecord = *rhs.fRecord;
   return *this;
 }
 

@@ -8,7 +8,7 @@ TMirrorRunTrailer::TMirrorRunTrailer(const TMirrorRunTrailer& rhs)
     : TObject(rhs), fData(*rhs.fRecord), fRecord(&fData) {}
 
 TMirrorRunTrailer& TMirrorRunTrailer::operator=(const TMirrorRunTrailer& rhs) {
-  *fRecord = *rhs.fRecord;
+  if (this != &rhs) *fRecord = *rhs.fRecord;
   return *this;
 }
 

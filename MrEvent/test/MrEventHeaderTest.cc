@@ -183,6 +183,13 @@ TEST(MrEventHeader, AssignmentIsDeep) {
   ExpectMadeHeader(target);
 }
 
+TEST(MrEventHeader, AssignmentToItselfChangesNothing) {
+  Header made = MakeHeader();
+  Header& same = made;
+  made = same;
+  ExpectMadeHeader(made);
+}
+
 TEST(MrEventHeader, ClearGivesANewHeader) {
   Header header = MakeHeader();
   header.Clear();

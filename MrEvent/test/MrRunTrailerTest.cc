@@ -69,6 +69,13 @@ TEST(MrRunTrailer, AssignmentIsDeep) {
   ExpectMadeTrailer(target);
 }
 
+TEST(MrRunTrailer, AssignmentToItselfChangesNothing) {
+  TMirrorRunTrailer made = MakeTrailer();
+  TMirrorRunTrailer& same = made;
+  made = same;
+  ExpectMadeTrailer(made);
+}
+
 TEST(MrRunTrailer, ClearGivesANewTrailer) {
   TMirrorRunTrailer trailer = MakeTrailer();
   trailer.Clear();
