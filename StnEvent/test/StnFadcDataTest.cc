@@ -336,6 +336,18 @@ TEST_F(StnFadcDataTest, ClearDeletesTheTracesAndKeepsTheCount) {
   EXPECT_EQ(Get(data, 1, 1), nullptr);
 }
 
+std::string Written(TStnFADCData& data) {
+  TBufferFile b(TBuffer::kWrite);
+  data.Streamer(b);
+  return std::string(b.Buffer(), b.Length());
+}
+
+TEST_F(StnFadcDataTest, ArrayIsNotMarkedAsOwnerAfterClear) {
+  TStnFADCData fresh, cleared;
+  cleared.Clear();
+  EXPECT_EQ(Written(cleared), Written(fresh));
+}
+
 TEST_F(StnFadcDataTest, ClearedContainerGoesOnCounting) {
   TStnFADCData data;
   Add(data, 1, 1);
