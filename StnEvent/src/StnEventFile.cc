@@ -95,9 +95,10 @@ Bool_t ReportMissingRecord(const char* name) {
   return kFALSE;
 }
 
-/// Lets ROOT set up what closing a file needs. ROOT describes each class at the first write of an object, with the
-/// interpreter's thread-local strings, which are destroyed before exit handlers run. So the classes that closing writes
-/// are written once beforehand, to memory.
+/// Lets ROOT set up what the closing of a file needs. ROOT works out the description of a class when an object of it is
+/// first written, with thread-local strings of its interpreter, and these are gone when exit handlers run: the closing
+/// would crash there if it were the first in the process. So the classes that it writes are written once beforehand, in
+/// a small file in memory, and the class of the file itself, which is asked for its size, is made known.
 void PrepareForExit() {
   static bool prepared = false;
   if (prepared) return;

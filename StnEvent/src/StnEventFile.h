@@ -29,8 +29,9 @@ class TTree;
 /// Files opened for writing that are alive when the process exits are then deleted, and so closed, by this class: make
 /// them with `new`. This does not hold for the option "NEW".
 ///
-/// Reading and writing change the current directory, and reading and writing beyond print level 3 ROOT's `gDebug`. One
-/// thread at a time may use a file.
+/// Reading and writing change the current directory and, above print level 3, ROOT's `gDebug` during the call; writing
+/// an event also lifts ROOT's limit on the size of trees, for the whole process. Don't read events from a file that is
+/// being written: reading binds the tree to the variable that it was given. One thread at a time may use a file.
 class TStnEventFile : public TFile {
  public:
   /// A file object without a file.

@@ -85,6 +85,15 @@ TEST_F(StnEventFileTest, ConstructorLogsNameAndAddressAtLevel2) {
   EXPECT_EQ(fLog.Take(), "INF:StnEventFile::TStnEventFile('file.root') - " + Hex(&file) + "\n");
 }
 
+TEST_F(StnEventFileTest, ConstructorTakesNoNameAtAll) {
+  OpenFile first("first.root", "RECREATE");
+  FilePrintLevel level(2);
+  QuietRoot quiet;
+  OpenFile file(nullptr, "READ");
+  EXPECT_TRUE(file.IsZombie());
+  EXPECT_EQ(fLog.Take(), "INF:StnEventFile::TStnEventFile('') - " + Hex(&file) + "\n");
+}
+
 TEST_F(StnEventFileTest, DefaultConstructorLogsItsAddressAtLevel2) {
   OpenFile first;
   FilePrintLevel level(2);
