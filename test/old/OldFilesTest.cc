@@ -57,6 +57,8 @@ const OldFile kFiles[] = {
     {"list-2", 10, 2, 5, 3, 3, {}},
     {"list-3", 10, 3, 5, 3, 3, {}},
     {"list-of-wrong-station", 10, 4, 5, 3, 3, {"TStnPixelList::fStnNo=3"}},
+    {"list-2-of-80-words", 10, 2, 5, 3, 3, {"TStnPixelList::fPixelVectorSize=80"}},
+    {"list-4-of-80-words", 10, 4, 5, 3, 3, {"TStnPixelList::fPixelVectorSize=80"}},
     {"event-1", 10, 4, 1, 3, 3, {}},
     {"event-2", 10, 4, 2, 3, 3, {}},
     {"event-3", 10, 4, 3, 3, 3, {}},
@@ -167,9 +169,10 @@ void ExpectHeader(const OldFile& file, TStnEventHeader& header, unsigned event) 
 
 /// Installation pixel numbers of the pixels on file.
 std::vector<UInt_t> GetPixelsOnFile(const OldFile& file, unsigned event, UInt_t station) {
+  const Rule rule = file.GetRule();
   std::vector<UInt_t> pixels;
-  for (UInt_t bit = 0; bit < 2880; ++bit)
-    if (file.GetRule().As<UInt_t>("TStnPixelList::fPixelVector", {event}, bit / 32) >> bit % 32 & 1)
+  for (UInt_t bit = 0; bit < 32 * rule.As<UInt_t>("TStnPixelList::fPixelVectorSize", {event}); ++bit)
+    if (rule.As<UInt_t>("TStnPixelList::fPixelVector", {event}, bit / 32) >> bit % 32 & 1)
       pixels.push_back((station - 1) * 2880 + bit + 1);
   return pixels;
 }
@@ -653,6 +656,14 @@ TEST_P(SpecialOldFileTest, AFileCutShortIsAZombieThatGivesWholeEventsOrNone) {
 
 INSTANTIATE_TEST_SUITE_P(Special, SpecialOldFileTest, testing::ValuesIn(kSources),
                          [](const auto& info) { return std::string(info.param.fName); });
+
+/// Readers take any other size for damage. It also says that a time stamp takes 14 bytes.
+TEST(OldFiles, AVersion5HeaderTakes239Bytes) {
+  TStnEventFile file(OLD_FILES "/header-5.root");
+  const auto* key = file.GetDirectory("objects")->GetKey("fEventHeader0");
+  EXPECT_EQ(key->GetObjlen(), 239 + int(sizeof(UInt_t)));
+  EXPECT_EQ(old_files::GetHeaderByteCount(5), 239u);
+}
 
 /// The history of the fields, for people.
 TEST(OldFiles, TellSinceWhenAFieldExists) {

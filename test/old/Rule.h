@@ -101,7 +101,7 @@ class Rule {
 
   UInt_t CountPixels(Place place) const {
     size_t n = 0;
-    for (unsigned word = 0; word < 90; ++word)
+    for (unsigned word = 0; word < As<UInt_t>("TStnPixelList::fPixelVectorSize", place); ++word)
       n += std::bitset<32>(As<UInt_t>("TStnPixelList::fPixelVector", place, word)).count();
     return static_cast<UInt_t>(n);
   }
