@@ -257,6 +257,8 @@ class TStnEventHeader : public TObject {
  private:
   // Sets the time correction quality and clears the slots of a mirror that is taken out.
   friend class TStnEvent;
+  // Carries the version read from file over to the header that it hands out.
+  friend class TStnEventFile;
 
   static bool IsBitSet(UInt_t bits, UInt_t mirror_id) { return (bits >> ((mirror_id - 1) & 31) & 1) != 0; }
 
