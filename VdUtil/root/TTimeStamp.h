@@ -28,7 +28,8 @@ class TTimeStamp {
   virtual ~TTimeStamp() {}
   TTimeStamp& operator=(const TTimeStamp& other);
 
-  /// Unix seconds of a GPS second, and the nanoseconds as they are, also when they make up seconds of their own.
+  /// Unix seconds of a GPS second, and the nanoseconds as they are, also when they make up seconds of their own. A stamp of
+  /// it answers `GetGPSSec` with `sec`; for an inserted leap second with the next.
   static timespec_t FromGPS(UInt_t sec, UInt_t nsec);
 
   /// Brings the nanoseconds into 0 to 999,999,999 by carrying seconds over or borrowing them.

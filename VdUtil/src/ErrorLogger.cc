@@ -24,12 +24,10 @@ const Severity& GetSeverity(ErrorLogger::ESeverityLevel level) {
   return known ? kSeverities[level - ErrorLogger::eDebug] : kUnknown;
 }
 
-// A stream without a buffer takes everything and formats nothing.
-std::ostream gNullStream(nullptr);
-
 }  // namespace
 
-std::ostream* ErrorLogger::fgNullStream = &gNullStream;
+// A stream without a buffer takes everything and formats nothing. Never destroyed, as destructors that run late may log.
+std::ostream* ErrorLogger::fgNullStream = new std::ostream(nullptr);
 
 ErrorLogger::ErrorLogger()
     : fOStream(&std::clog), fLoggingOption(eShowSeverity), fLoggingLevel(eDebug), fVerbosity(eTerse) {}
@@ -111,7 +109,8 @@ std::ostream& BeginLogStatement(ErrorLogger::ESeverityLevel level, const char* f
   if (debug || logger.IsOptionSet(ErrorLogger::eShowSeverity)) stream << GetSeverity(level).fTag;
   if (logger.IsOptionSet(ErrorLogger::eShowGPSTime))
     stream << ErrorLogger::GetASCIIFromInt(TimeConvert::GetGPSTime(), 10) << ": ";
-  if (debug) stream << file << ":" << line << ": ";
+  // Decimal, also when an earlier message has left the stream hexadecimal.
+  if (debug) stream << file << ":" << std::to_string(line) << ": ";
   return stream;
 }
 

@@ -12,8 +12,8 @@ bool IsPixel(unsigned int pixel) { return pixel >= 1 && pixel <= Vd::kMI_NEXTPIX
 
 /// The pixel inside its mirror counted from 0; negative when it is none.
 int PixelIndex(const Vd::_PixelNumber* pixel) {
-  if (!pixel || !IsPixel(Vd::GetPixelNo(pixel))) return -1;
-  return static_cast<int>(Vd::GetPixelNo(pixel)) - 1;
+  const unsigned int number = Vd::GetPixelNo(pixel);
+  return IsPixel(number) ? static_cast<int>(number) - 1 : -1;
 }
 
 }  // namespace
@@ -25,8 +25,8 @@ Vd::_VdPixelNumber::_VdPixelNumber(const _PixelNumber* pixel) : fPixelNumber(0) 
 }
 
 unsigned int Vd::GetStnPixelNo(const _VdPixelNumber* pixel) {
-  if (!pixel || GetPixelNo(pixel) == 0 || GetPixelNo(pixel) > kVD_NEXTPIXELS) return 0;
-  return (GetPixelNo(pixel) - 1) % kSTN_NEXTPIXELS + 1;
+  const unsigned int number = GetPixelNo(pixel);
+  return number >= 1 && number <= kVD_NEXTPIXELS ? (number - 1) % kSTN_NEXTPIXELS + 1 : 0;
 }
 
 unsigned int Vd::GetStnPixelNo(const _PixelNumber* pixel) {
@@ -82,7 +82,6 @@ unsigned int Vd::GetVdMirrorNo(unsigned int stn, unsigned int mirror) {
 }
 
 void Vd::SetStnNo(_VdPixelNumber* pixel, unsigned int stn) {
-  if (!pixel) return;
   const unsigned int stn_pixel = GetStnPixelNo(pixel);
   SetPixelNo(pixel, stn_pixel && IsStn(stn) ? (stn - 1) * kSTN_NEXTPIXELS + stn_pixel : 0);
 }

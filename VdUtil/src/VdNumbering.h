@@ -70,36 +70,46 @@ class Vd {
   typedef _VdPixelNumber* VdPixelNumber;    ///< the record as interfaces pass it
   typedef _PixelNumber* PixelNumber;        ///< the record as interfaces pass it
 
-  // The inline accessors trust their pointer, which must not be null.
+  // All accessors answer 0 for a null pointer, and setters ignore it.
 
   /// Mirror pixel number, 1 to 480.
-  static unsigned int GetPixelNo(const _PixelNumber* pixel) { return pixel->fPixelNumber & 0x1FF; }
+  static unsigned int GetPixelNo(const _PixelNumber* pixel) { return pixel ? pixel->fPixelNumber & 0x1FF : 0; }
   /// Mirror inside the station, 1 to 6.
-  static unsigned int GetMirrorNo(const _PixelNumber* pixel) { return pixel->fBits.fMirrorNo; }
+  static unsigned int GetMirrorNo(const _PixelNumber* pixel) { return pixel ? pixel->fBits.fMirrorNo : 0; }
   /// Station, 1 to 5.
-  static unsigned int GetStnNo(const _PixelNumber* pixel) { return pixel->fBits.fStnNo; }
+  static unsigned int GetStnNo(const _PixelNumber* pixel) { return pixel ? pixel->fBits.fStnNo : 0; }
   /// Station, 1 to 5.
   static unsigned int GetStnNo(const _MirrorNumber* mirror) { return Byte(mirror) >> 5; }
   /// Installation mirror number, 1 to 30.
   static unsigned int GetVdMirrorNo(const _MirrorNumber* mirror) { return Byte(mirror) & 0x1F; }
   /// Mirror inside the station, 1 to 6; without meaning for a record that holds no mirror.
   static unsigned int GetMirrorNo(const _MirrorNumber* mirror) {
-    return (GetVdMirrorNo(mirror) - 1) % kSTN_NMIRRORS + 1;
+    return mirror ? (GetVdMirrorNo(mirror) - 1) % kSTN_NMIRRORS + 1 : 0;
   }
   /// Station, 1 to 5; without meaning for pixel number 0.
-  static unsigned int GetStnNo(const _VdPixelNumber* pixel) { return (GetPixelNo(pixel) - 1) / kSTN_NEXTPIXELS + 1; }
+  static unsigned int GetStnNo(const _VdPixelNumber* pixel) {
+    return pixel ? (GetPixelNo(pixel) - 1) / kSTN_NEXTPIXELS + 1 : 0;
+  }
   /// Installation pixel number, 1 to 14400; not the pixel inside a mirror.
-  static unsigned int GetPixelNo(const _VdPixelNumber* pixel) { return pixel->fPixelNumber & 0x3FFF; }
+  static unsigned int GetPixelNo(const _VdPixelNumber* pixel) { return pixel ? pixel->fPixelNumber & 0x3FFF : 0; }
   /// Sets the station, taken modulo 8, and nothing else.
-  static void SetStnNo(_PixelNumber* pixel, unsigned int stn) { pixel->fBits.fStnNo = stn & 7; }
+  static void SetStnNo(_PixelNumber* pixel, unsigned int stn) {
+    if (pixel) pixel->fBits.fStnNo = stn & 7;
+  }
   /// Sets the mirror inside the station, taken modulo 8, and nothing else.
-  static void SetMirrorNo(_PixelNumber* pixel, unsigned int mirror) { pixel->fBits.fMirrorNo = mirror & 7; }
+  static void SetMirrorNo(_PixelNumber* pixel, unsigned int mirror) {
+    if (pixel) pixel->fBits.fMirrorNo = mirror & 7;
+  }
   /// Sets the mirror pixel number, taken modulo 512, and nothing else.
-  static void SetPixelNo(_PixelNumber* pixel, unsigned int pixel_no) { pixel->fBits.fPixelNo = pixel_no & 0x1FF; }
+  static void SetPixelNo(_PixelNumber* pixel, unsigned int pixel_no) {
+    if (pixel) pixel->fBits.fPixelNo = pixel_no & 0x1FF;
+  }
   /// Sets the installation pixel number, taken modulo 16384; the two spare flags stay.
-  static void SetPixelNo(_VdPixelNumber* pixel, unsigned int pixel_no) { pixel->fBits.fPixelNo = pixel_no & 0x3FFF; }
+  static void SetPixelNo(_VdPixelNumber* pixel, unsigned int pixel_no) {
+    if (pixel) pixel->fBits.fPixelNo = pixel_no & 0x3FFF;
+  }
 
-  // The accessors below answer 0 for a null pointer and for a record whose numbers are outside their ranges.
+  // The accessors below answer 0 also for a record whose numbers are outside their ranges.
 
   /// Station pixel number, 1 to 2880.
   static unsigned int GetStnPixelNo(const _VdPixelNumber* pixel);
@@ -134,7 +144,7 @@ class Vd {
   static void SetMirrorNo(_MirrorNumber* number, unsigned int mirror);
 
  private:
-  static unsigned int Byte(const _MirrorNumber* mirror) { return mirror->fMirrorNumber & 0xFF; }
+  static unsigned int Byte(const _MirrorNumber* mirror) { return mirror ? mirror->fMirrorNumber & 0xFF : 0; }
 };
 
 }  // namespace VdUtil

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -17,10 +18,29 @@
 
 #include "LogCapture.h"
 
+// As a release build does.
+#ifndef NDEBUG
+#define NDEBUG
+#endif
 #include <VdUtil/Assertions.h>
 
 using testing::MatchesRegex;
 using VdUtil::ErrorLogger;
+
+namespace {
+
+int gNClockReads = 0;
+
+}  // namespace
+
+/// Stands in for the function of the system, to see when it is called.
+extern "C" time_t time(time_t* result) noexcept {
+  ++gNClockReads;
+  timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  if (result) *result = now.tv_sec;
+  return now.tv_sec;
+}
 
 namespace {
 
@@ -55,6 +75,14 @@ class Logger : public testing::Test {
   }
 
   LogCapture fLog;
+};
+
+/// Text that tells where the stream was flushed.
+class FlushMarks : public std::stringbuf {
+  int sync() override {
+    sputc('|');
+    return 0;
+  }
 };
 
 typedef Logger LogStatement;
@@ -132,6 +160,18 @@ TEST_F(LogStatement, OfADebugMessageHasTheTimeBetweenTagAndFile) {
   EXPECT_THAT(fLog.Take(), MatchesRegex("DBG:[0-9]{10}: VdUtil/test/ErrorLoggerTest.cc:[0-9]+: text\n"));
 }
 
+TEST_F(LogStatement, ReadsTheClockOnlyForTheTime) {
+  SetAll(true);
+  GetLogger().SetOption(ErrorLogger::eShowGPSTime, false);
+  const int before = gNClockReads;
+  VD_DEBUG << "text" << std::endl;
+  VD_WARNING << "text" << std::endl;
+  EXPECT_EQ(gNClockReads, before);
+  GetLogger().SetOption(ErrorLogger::eShowGPSTime);
+  VD_WARNING << "text" << std::endl;
+  EXPECT_EQ(gNClockReads, before + 1);
+}
+
 TEST_F(LogStatement, TakesNoNoticeOfTheOtherOptions) {
   SetAll(true);
   GetLogger().SetOption(ErrorLogger::eShowSeverity, false);
@@ -147,6 +187,17 @@ TEST_F(LogStatement, NeverEndsTheLineItself) {
   EXPECT_EQ(fLog.Take(), "INF:aWRN:b\n");
 }
 
+TEST_F(LogStatement, FlushesWithItsEndOfLineAlone) {
+  FlushMarks marks;
+  std::ostream stream(&marks);
+  GetLogger().SetStream(&stream);
+  GetLogger().SetOption(ErrorLogger::eShowSeverity);
+  VD_INFO << "a";
+  VD_WARNING << "b" << std::endl;
+  GetLogger().SetStream(&std::clog);
+  EXPECT_EQ(marks.str(), "INF:aWRN:b\n|");
+}
+
 TEST_F(LogStatement, HasItsPrefixOnceAlsoWithSeveralLines) {
   GetLogger().SetOption(ErrorLogger::eShowSeverity);
   VD_WARNING << "one" << std::endl << "    two" << std::endl;
@@ -157,6 +208,13 @@ TEST_F(LogStatement, LeavesManipulatorsSet) {
   VD_INFO << std::hex << std::setfill('.') << 255 << std::endl;
   VD_INFO << std::setw(4) << 255 << std::dec << std::setfill(' ') << std::endl;
   EXPECT_EQ(fLog.Take(), "ff\n..ff\n");
+}
+
+TEST_F(LogStatement, OfADebugMessageHasItsLineInDecimalAlsoAfterAHexadecimalMessage) {
+  VD_INFO << std::hex;
+  VD_DEBUG << 255 << std::dec << std::endl;
+  const int line = __LINE__ - 1;
+  EXPECT_EQ(fLog.Take(), std::string("DBG:") + kFile + ":" + std::to_string(line) + ": ff\n");
 }
 
 TEST_F(LogStatement, LooksTheOptionsUpAnew) {
@@ -180,9 +238,12 @@ TEST_F(LogStatement, BelongsToItsOwnIf) {
 
 TEST_F(LogStatement, ComposesItsMessageAlsoBelowTheThreshold) {
   GetLogger().SetLoggingLevel(ErrorLogger::eError);
+  GetLogger().SetOption(ErrorLogger::eShowGPSTime);
+  const int n_clock_reads = gNClockReads;
   int n_calls = 0;
   VD_WARNING << ++n_calls << std::endl;
   EXPECT_EQ(n_calls, 1);
+  EXPECT_EQ(gNClockReads, n_clock_reads + 1);
   EXPECT_EQ(fLog.Take(), "");
 }
 

@@ -1,6 +1,8 @@
 #include <VdUtil/Singleton.h>
 
 #include <atomic>
+#include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 #include <thread>
 #include <type_traits>
@@ -34,6 +36,13 @@ class Moody : public VdUtil::Singleton<Moody> {
 
 int Moody::fgNTries = 0;
 
+class Farewell : public VdUtil::Singleton<Farewell> {
+ protected:
+  friend class VdUtil::Singleton<Farewell>;
+  Farewell() = default;
+  ~Farewell() override { std::fputs("farewell\n", stderr); }
+};
+
 }  // namespace
 
 TEST(Singleton, RacingThreadsGetTheSameInstance) {
@@ -53,9 +62,22 @@ TEST(Singleton, TriesAgainWhenTheConstructorHasThrown) {
   EXPECT_EQ(Moody::fgNTries, 2);
 }
 
+TEST(Singleton, IsDestroyedAtTheExitAfterNewerHandlers) {
+  EXPECT_EXIT(
+      {
+        Farewell::GetInstance();
+        std::atexit([] { std::fputs("handler\n", stderr); });
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "handler\nfarewell\n");
+}
+
+TEST(Singleton, AddsNoData) { EXPECT_EQ(sizeof(VdUtil::Singleton<Slow>), sizeof(void*)); }
+
 TEST(Singleton, CannotBeCopiedOrMade) {
   EXPECT_FALSE(std::is_copy_constructible<Slow>::value);
   EXPECT_FALSE(std::is_copy_assignable<Slow>::value);
   EXPECT_FALSE(std::is_default_constructible<Slow>::value);
+  EXPECT_FALSE(std::is_default_constructible<VdUtil::Singleton<Slow>>::value);
   EXPECT_TRUE(std::has_virtual_destructor<VdUtil::Singleton<Slow>>::value);
 }

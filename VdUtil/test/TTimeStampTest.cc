@@ -104,6 +104,10 @@ TEST(TTimeStamp, AnswersTheGPSSecondItWasMadeFrom) {
     EXPECT_EQ(TTimeStamp(TTimeStamp::FromGPS(sec, 7)).GetGPSSec(), sec);
 }
 
+TEST(TTimeStamp, OfAnInsertedLeapSecondAnswersTheNextGPSSecond) {
+  EXPECT_EQ(TTimeStamp(TTimeStamp::FromGPS(1167264017, 0)).GetGPSSec(), 1167264018);
+}
+
 TEST(TTimeStamp, ZeroStampHasGPSSecondZero) {
   const TTimeStamp zero(TimeConvert::GetUnixTimeFromGPSTime(0), 0);
   EXPECT_EQ(zero.GetGPSSec(), 0);
@@ -190,11 +194,11 @@ TEST(TTimeStamp, ReadsWhatItWrote) {
   ExpectStamp(read, -5, 999999999);
 }
 
-TEST(TTimeStamp, StreamsArraysByVirtualCall) {
+TEST(TTimeStamp, StampsOfAnArrayFollowOneAnother) {
   TBufferFile buffer(TBuffer::kWrite);
   TTimeStamp stamps[2] = {TTimeStamp(1, 2), TTimeStamp(3, 4)};
   for (auto& stamp : stamps)
-    static_cast<TTimeStamp*>(&stamp)->Streamer(buffer);
+    stamp.Streamer(buffer);
   EXPECT_EQ(buffer.Length(), 28);
 }
 

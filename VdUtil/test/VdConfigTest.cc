@@ -1,8 +1,10 @@
 #include <VdUtil/VdConfig.h>
 
-#include <unistd.h>
-
+#include <cstdio>
+#include <string>
 #include <type_traits>
+
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -10,6 +12,21 @@ using VdUtil::Vd;
 using VdUtil::VdConfig;
 
 namespace {
+
+std::string gHostname = "laptop";
+
+}  // namespace
+
+/// Stands in for the function of the system.
+extern "C" int gethostname(char* name, size_t size) noexcept {
+  std::snprintf(name, size, "%s", gHostname.c_str());
+  return 0;
+}
+
+namespace {
+
+/// What the singleton is on a computer of the present name.
+struct Config : VdConfig {};
 
 struct HostCase {
   const char* fHostname;
@@ -46,27 +63,46 @@ INSTANTIATE_TEST_SUITE_P(OfNoStation, Hostname,
                                          HostCase{"stn3x", 0, 0}, HostCase{"mi2", 0, 0},
                                          HostCase{"laptop.stn3.example.org", 0, 0}));
 
-TEST(VdConfig, TakesTheNameOfThisHost) {
-  char name[256] = "";
-  gethostname(name, sizeof(name) - 1);
-  const VdConfig& config = VdConfig::GetInstance();
-  EXPECT_EQ(config.GetFQHostname(), name);
-  EXPECT_EQ(config.GetStnId(), VdConfig::DetermineStnId(name, 1));
-  EXPECT_EQ(config.GetMirrorId(), VdConfig::DetermineMirrorId(name, 1));
-  EXPECT_EQ(config.IsStn(), VdConfig::DetermineStnId(name, 0) != 0);
-  EXPECT_EQ(config.IsMirror(), VdConfig::DetermineMirrorId(name, 0) != 0);
+TEST(VdConfig, OfAMirrorsComputerHasItsStationAndMirror) {
+  gHostname = "daq-stn3-mi2.example.org";
+  const Config config;
+  EXPECT_EQ(config.GetFQHostname(), "daq-stn3-mi2.example.org");
+  EXPECT_EQ(config.GetStnId(), 3u);
+  EXPECT_EQ(config.GetMirrorId(), 2u);
+  EXPECT_TRUE(config.IsStn());
+  EXPECT_TRUE(config.IsMirror());
+}
+
+TEST(VdConfig, OfAStationsComputerHasMirrorOne) {
+  gHostname = "stn4";
+  const Config config;
+  EXPECT_EQ(config.GetStnId(), 4u);
+  EXPECT_EQ(config.GetMirrorId(), 1u);
+  EXPECT_TRUE(config.IsStn());
+  EXPECT_FALSE(config.IsMirror());
+}
+
+TEST(VdConfig, OfAnyOtherComputerHasStationAndMirrorOne) {
+  gHostname = "laptop";
+  const Config config;
+  EXPECT_EQ(config.GetStnId(), 1u);
+  EXPECT_EQ(config.GetMirrorId(), 1u);
+  EXPECT_FALSE(config.IsStn());
+  EXPECT_FALSE(config.IsMirror());
 }
 
 TEST(VdConfig, DefaultsToStationAndMirrorOne) {
-  EXPECT_EQ(VdConfig::GetInstance().GetDefaultStnId(), 1u);
-  EXPECT_EQ(VdConfig::GetInstance().GetDefaultMirrorId(), 1u);
+  gHostname = "stn3-mi2";
+  const Config config;
+  EXPECT_EQ(config.GetDefaultStnId(), 1u);
+  EXPECT_EQ(config.GetDefaultMirrorId(), 1u);
 }
 
 TEST(VdConfig, MirrorNumberIsMadeOfStationAndMirror) {
-  const VdConfig& config = VdConfig::GetInstance();
-  const _MirrorNumber number = config.GetMirrorNumber();
-  EXPECT_EQ(Vd::GetStnNo(&number), config.GetStnId());
-  EXPECT_EQ(Vd::GetMirrorNo(&number), config.GetMirrorId());
+  gHostname = "stn3-mi2";
+  const _MirrorNumber number = Config().GetMirrorNumber();
+  EXPECT_EQ(Vd::GetStnNo(&number), 3u);
+  EXPECT_EQ(Vd::GetVdMirrorNo(&number), 14u);
 }
 
 TEST(VdConfig, IsASingleton) {

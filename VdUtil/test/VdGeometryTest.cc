@@ -1,5 +1,8 @@
 #include <VdUtil/VdGeometry.h>
 
+#include <cstddef>
+#include <type_traits>
+
 #include <gtest/gtest.h>
 
 using VdUtil::VdGeometry;
@@ -59,6 +62,15 @@ TEST(VdGeometry, PlacesOfStationsAreNotKnown) {
   EXPECT_EQ(geometry.fFloorAltitude, 0);
 }
 
+TEST(VdGeometry, PlaceOfAStationHasItsFieldsInOrder) {
+  const VdGeometry::_StnGeometryRec geometry = {1, 2, 3, 4, 5};
+  EXPECT_EQ(geometry.fLongitude, 1);
+  EXPECT_EQ(geometry.fLatitude, 2);
+  EXPECT_EQ(geometry.fGPSAltitude, 3);
+  EXPECT_EQ(geometry.fFloorAltitude, 4);
+  EXPECT_EQ(geometry.fAngleToEast, 5);
+}
+
 TEST(VdGeometry, IllegalStationsHaveZeros) {
   EXPECT_EQ(VdGeometry::GetStnGeometry(0).fAngleToEast, 0);
   EXPECT_EQ(VdGeometry::GetStnGeometry(6).fAngleToEast, 0);
@@ -74,6 +86,15 @@ TEST(CameraPointing, StartsWithZeros) {
   const VdGeometry::_CameraPointingRec pointing;
   EXPECT_EQ(pointing.fAzimuth, 0);
   EXPECT_EQ(pointing.fElevation, 0);
+  EXPECT_EQ(pointing.fHashValue, VdGeometry::_CameraPointingRec(0, 0).fHashValue);
+}
+
+TEST(CameraPointing, HasItsFieldsInOrder) {
+  typedef VdGeometry::_CameraPointingRec Record;
+  EXPECT_TRUE((std::is_same<decltype(Record::fHashValue), unsigned int>::value));
+  EXPECT_EQ(offsetof(Record, fHashValue), 0u);
+  EXPECT_EQ(offsetof(Record, fAzimuth), sizeof(double));
+  EXPECT_EQ(offsetof(Record, fElevation), 2 * sizeof(double));
 }
 
 TEST(CameraPointing, EqualDirectionsHaveEqualHashValues) {

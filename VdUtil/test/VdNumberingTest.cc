@@ -60,6 +60,12 @@ TEST(VdNumbering, RecordsTakeFourBytes) {
   EXPECT_EQ(sizeof(_MirrorNumber), 4u);
 }
 
+TEST(VdNumbering, RecordsHaveTheirWholeNumbersAsPlainIntegers) {
+  EXPECT_TRUE((std::is_same<decltype(_PixelNumber::fPixelNumber), int>::value));
+  EXPECT_TRUE((std::is_same<decltype(_VdPixelNumber::fPixelNumber), short>::value));
+  EXPECT_TRUE((std::is_same<decltype(_MirrorNumber::fMirrorNumber), short>::value));
+}
+
 TEST(VdNumbering, GlobalNamesAreThoseOfTheClass) {
   EXPECT_TRUE((std::is_same<_PixelNumber, Vd::_PixelNumber>::value));
   EXPECT_TRUE((std::is_same<_VdPixelNumber, Vd::_VdPixelNumber>::value));
@@ -139,6 +145,8 @@ TEST(VdPixelNumber, CopiesSixteenBitsAndLeavesTheRestOfTheTarget) {
 TEST(VdPixelNumber, CopyConstructorTakesTheNumber) {
   const _VdPixelNumber source = MakeVdPixel(0x1234);
   EXPECT_EQ(_VdPixelNumber(source).fPixelNumber, 0x1234);
+  // The compiler's own would take all four bytes.
+  EXPECT_FALSE(std::is_trivially_copy_constructible<_VdPixelNumber>::value);
 }
 
 TEST(VdPixelNumber, IsMadeFromAPixelAsTheConversionMakesIt) {
@@ -240,6 +248,8 @@ TEST(VdPixelNumber, NumbersAboveTheInstallationCountAsNone) {
 
 TEST(VdPixelNumber, NullAnswersZero) {
   const VdPixelNumber none = nullptr;
+  EXPECT_EQ(Vd::GetPixelNo(none), 0u);
+  EXPECT_EQ(Vd::GetStnNo(none), 0u);
   EXPECT_EQ(Vd::GetStnPixelNo(none), 0u);
   EXPECT_EQ(Vd::GetStnMirrorNo(none), 0u);
   EXPECT_EQ(Vd::GetMirrorNo(none), 0u);
@@ -249,13 +259,27 @@ TEST(VdPixelNumber, NullAnswersZero) {
 
 TEST(PixelNumber, NullAnswersZero) {
   const PixelNumber none = nullptr;
+  EXPECT_EQ(Vd::GetPixelNo(none), 0u);
+  EXPECT_EQ(Vd::GetMirrorNo(none), 0u);
+  EXPECT_EQ(Vd::GetStnNo(none), 0u);
   EXPECT_EQ(Vd::GetStnPixelNo(none), 0u);
   EXPECT_EQ(Vd::GetColumnNo(none), 0u);
   EXPECT_EQ(Vd::GetRowNo(none), 0u);
   EXPECT_EQ(Vd::GetVdPixelNumber(none)->fPixelNumber, 0);
 }
 
-TEST(VdPixelNumber, SettersIgnoreNull) {
+TEST(MirrorNumber, NullAnswersZero) {
+  const _MirrorNumber* none = nullptr;
+  EXPECT_EQ(Vd::GetStnNo(none), 0u);
+  EXPECT_EQ(Vd::GetMirrorNo(none), 0u);
+  EXPECT_EQ(Vd::GetVdMirrorNo(none), 0u);
+}
+
+TEST(VdNumbering, SettersIgnoreNull) {
+  Vd::SetStnNo(static_cast<PixelNumber>(nullptr), 1);
+  Vd::SetMirrorNo(static_cast<PixelNumber>(nullptr), 1);
+  Vd::SetPixelNo(static_cast<PixelNumber>(nullptr), 1);
+  Vd::SetPixelNo(static_cast<VdPixelNumber>(nullptr), 1);
   Vd::SetStnNo(static_cast<VdPixelNumber>(nullptr), 1);
   Vd::SetStnNo(static_cast<_MirrorNumber*>(nullptr), 1);
   Vd::SetMirrorNo(static_cast<_MirrorNumber*>(nullptr), 1);
