@@ -739,6 +739,14 @@ TEST(StnEventHeaderBadVersion5, IsDumpedToTheEndOfTheBufferOnly) {
   EXPECT_EQ(position, 9);
 }
 
+TEST(StnEventHeaderBadVersion5, LeavesTheOutputDecimalAndBlankFilled) {
+  LogCapture log;
+  TStnEventHeader header;
+  ReadAndGetDump(header, Frame(5, "abc"));
+  EXPECT_EQ(std::cout.flags() & std::ios::basefield, std::ios::dec);
+  EXPECT_EQ(std::cout.fill(), ' ');
+}
+
 TEST(StnEventHeaderBadVersion5, WithoutAByteCountIsDumpedAsAnEmptyOne) {
   LogCapture log;
   TStnEventHeader header;
