@@ -5,6 +5,7 @@
 
 #include <StnEvent/StnEventVersion.h>
 
+#include <cstdio>
 #include <iostream>
 
 namespace StnTools {
@@ -13,7 +14,7 @@ const char* const kExitCodeHelp =
     "Exit codes: 0 fine; 1 the file is damaged or incomplete, or a check failed; 2 wrong command line; 3 the input\n"
     "cannot be opened or is no station file; 4 the output exists or could not be written whole.";
 
-int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>& work) {
+int RunApp(CLI::App& app, int argc, char** argv, const std::function<int()>& work) {
   app.footer(kExitCodeHelp);
   app.set_version_flag("--version", app.get_name() + " (" + kStnEventVersionString + ")");
   try {
@@ -32,6 +33,11 @@ int RunProgram(CLI::App& app, int argc, char** argv, const std::function<int()>&
     std::cerr << app.get_name() << ": " << error.what() << std::endl;
     return kDamage;
   }
+}
+
+int EndUnexpectedly(const char* name) noexcept {
+  std::fprintf(stderr, "%s: out of memory, or an error in the program\n", name);
+  return kDamage;
 }
 
 }  // namespace StnTools

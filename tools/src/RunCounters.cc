@@ -14,6 +14,7 @@ const ULong64_t kVetoPerSecond = 20000;
 const ULong64_t kReadoutTime = 260000;
 const UInt_t kReadoutJitter = 5000;
 const ULong64_t kMirrorDaqTime = 15000;
+const ULong64_t kMirrorDaqStep = 10;
 const ULong64_t kStnDaqTime = 4000;
 const UInt_t kSkippedPer = 500;
 const double kRejectedFraction = 0.1;
@@ -41,7 +42,7 @@ ULong64_t RunCounters::GetDeadTime(UInt_t trigger, UInt_t mirror) const {
 }
 
 ULong64_t RunCounters::GetMirrorDaqDeadTime(UInt_t trigger, UInt_t mirror) const {
-  return trigger * (kMirrorDaqTime + 10 * mirror);
+  return trigger * (kMirrorDaqTime + kMirrorDaqStep * mirror);
 }
 
 ULong64_t RunCounters::GetStnDaqDeadTime(UInt_t trigger) const { return trigger * kStnDaqTime; }

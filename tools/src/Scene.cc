@@ -111,7 +111,7 @@ LightTrack Scene::DrawShower(Random& random, double edge) const {
   track.fRowSpeed = -speed * std::cos(slope);
   track.fStart = kPreTrigger * fNBins;
   track.fDuration = std::min(track.fRow / -track.fRowSpeed, (0.95 - kPreTrigger) * fNBins);
-  track.fMaximum = DrawLogarithmic(random, 8., 150.);
+  track.fMaximum = DrawLogarithmic(random, 6., 100.);
   return track;
 }
 

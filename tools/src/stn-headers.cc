@@ -37,9 +37,8 @@ int ShowHeaders(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Options options;
-  CLI::App app("Lists the event headers of a station file, one line each, without reading anything else of the events.",
-               "stn-headers");
-  AddOptions(app, options);
-  return RunProgram(app, argc, argv, [&options] { return ShowHeaders(options); });
+  return RunProgram(
+      "stn-headers",
+      "Lists the event headers of a station file, one line each, without reading anything else of the events.",
+      AddOptions, ShowHeaders, argc, argv);
 }

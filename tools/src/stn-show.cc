@@ -68,9 +68,7 @@ int Show(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Options options;
-  CLI::App app("Shows what a station file holds: by default the file itself, its run header and its run trailer.",
-               "stn-show");
-  AddOptions(app, options);
-  return RunProgram(app, argc, argv, [&options] { return Show(options); });
+  return RunProgram("stn-show",
+                    "Shows what a station file holds: by default the file itself, its run header and its run trailer.",
+                    AddOptions, Show, argc, argv);
 }

@@ -83,8 +83,6 @@ int Simulate(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Options options;
-  CLI::App app("Simulates a run of one station and writes it to a station file.", "stn-simulate");
-  AddOptions(app, options);
-  return RunProgram(app, argc, argv, [&options] { return Simulate(options); });
+  return RunProgram("stn-simulate", "Simulates a run of one station and writes it to a station file.", AddOptions,
+                    Simulate, argc, argv);
 }

@@ -66,8 +66,6 @@ int Verify(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Options options;
-  CLI::App app("Reads every event of a station file and compares it with what was written.", "stn-verify");
-  AddOptions(app, options);
-  return RunProgram(app, argc, argv, [&options] { return Verify(options); });
+  return RunProgram("stn-verify", "Reads every event of a station file and compares it with what was written.",
+                    AddOptions, Verify, argc, argv);
 }

@@ -17,7 +17,7 @@ class CommandLineTest : public testing::Test {
       argv.push_back(&arg[0]);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    int code = StnTools::RunProgram(fApp, static_cast<int>(argv.size()), argv.data(), work);
+    int code = StnTools::RunApp(fApp, static_cast<int>(argv.size()), argv.data(), work);
     fOutput = testing::internal::GetCapturedStdout();
     fError = testing::internal::GetCapturedStderr();
     return code;
@@ -65,4 +65,22 @@ TEST_F(CommandLineTest, MakesOneLineAndACodeOfAnError) {
 TEST_F(CommandLineTest, MakesOneLineOfAnErrorThatNobodyExpected) {
   EXPECT_EQ(Throw(std::runtime_error("out of luck")), StnTools::kDamage);
   EXPECT_EQ(fError, "stn-test: out of luck\n");
+}
+
+namespace {
+
+struct NoOptions {};
+
+void FailToAddOptions(CLI::App&, NoOptions&) { throw std::bad_alloc(); }
+
+int DoNothing(const NoOptions&) { return 0; }
+
+}  // namespace
+
+TEST(RunProgramTest, EndsWithALineIfNotEvenTheOptionsCanBeMade) {
+  char name[] = "stn-test";
+  char* argv[] = {name};
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(StnTools::RunProgram("stn-test", "A test.", FailToAddOptions, DoNothing, 1, argv), StnTools::kDamage);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "stn-test: out of memory, or an error in the program\n");
 }
