@@ -126,6 +126,19 @@ TEST(FadcData, AssignmentIsDeep) {
   ExpectSameRecord(target, MakeTrace());
 }
 
+TEST(FadcData, AssignmentKeepsTheObjectsOwnRecord) {
+  Record record = Record();
+  const TFADCData source(&record);
+  TFADCData copy(source);
+  TFADCData assigned(&record);
+  assigned = copy;
+  for (TFADCData* trace : {&copy, &assigned}) {
+    const Record* own = trace->GetRecord();
+    *trace = MakeTrace();
+    EXPECT_EQ(trace->GetRecord(), own);
+  }
+}
+
 TEST(FadcData, AssignmentLeavesARecordThatWasReferredTo) {
   Record record = Record();
   TFADCData target(&record);
@@ -411,6 +424,27 @@ TEST(FadcDataOnFile, LaterVersionIsReadByItsDescription) {
   ExpectSameRecord(back, trace);
 }
 
+TEST(FadcDataOnFile, LaterVersionWithoutSamplesIsReadByItsDescription) {
+  DescribeVersion2(TFADCData::Class());
+  TFADCData empty;
+  TFADCData quiet;
+  quiet.GetRecord()->fFadcData[3].fWord = 1;
+  for (TFADCData* trace : {&empty, &quiet}) {
+    Bytes bytes = ToBytes(*trace);
+    Put(bytes, kVersionAt, 2, 2);
+    TFADCData back = MakeTrace();
+    FromBytes(bytes, back);
+    ExpectSameRecord(back, *trace);
+  }
+}
+
+TEST(FadcDataOnFile, TraceWithoutSamplesHasBaseZero) {
+  TFADCData empty;
+  const Bytes bytes = ToBytes(empty);
+  EXPECT_EQ(bytes[kFirstLowAt - 2], 0);
+  EXPECT_EQ(bytes[kFirstLowAt - 1], 0);
+}
+
 /// A damaged record: what is reported, the object unchanged, and the buffer at the record's end.
 void ExpectRefused(const Bytes& bytes, size_t end, const std::string& message) {
   TFADCData back = MakeTrace(10);
@@ -490,6 +524,18 @@ TEST(FadcDataDamaged, MissingByteCountIsRefused) {
 
 TEST(FadcDataDamaged, ObjectPartOfAnotherSizeIsRefused) {
   ExpectRefused(kObjectAt, 0x40, 1, "version of TObject: found 16385, expected below 256");
+}
+
+TEST(FadcDataDamaged, ShortRecordIsRefused) {
+  TFADCData made = MakeTrace(50);
+  const Bytes whole = ToBytes(made);
+  for (size_t size = 0; size < whole.size(); ++size) {
+    TFADCData back;
+    LogCapture log;
+    EXPECT_EQ(FromBytes(Shortened(whole, size), back), Int_t(size));
+    EXPECT_NE(log.Take(), "");
+    ExpectSameRecord(back, TFADCData());
+  }
 }
 
 TEST(FadcDataDamaged, RecordCutAnywhereIsRefused) {

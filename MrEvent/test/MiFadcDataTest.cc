@@ -203,13 +203,17 @@ TEST(MiFadcData, ClearDeletesAllTraces) {
 
 TEST(MiFadcData, ShowsTheBinsOfEachTrace) {
   TMirrorFADCData data;
+  SetTrace(data, 480, 1);
   SetTrace(data, 27, 1);
+  SetTrace(data, 1, 1);
   std::ostringstream text;
   data.Show(text);
   EXPECT_EQ(text.str(),
             "--- TMirrorFADCData ---\n"
-            " Number of traces : 1\n"
+            " Number of traces : 3\n"
+            " Column 1, row 1: bins 0 to 999 of 2000\n"
             " Column 2, row 3: bins 0 to 999 of 2000\n"
+            " Column 20, row 24: bins 0 to 999 of 2000\n"
             "--------------------\n");
 }
 

@@ -258,6 +258,16 @@ TEST(MiPixelData, ShowsAtMostTheSlicesThatThereAre) {
                 "--------------------\n");
 }
 
+TEST(MiPixelData, ShowsNoPixelWithoutATriggerInTheSlicesShown) {
+  TMirrorPixelData data;
+  data.SetTriggered(1, 1, 33);
+  std::ostringstream text;
+  data.Show(text, 33);
+  EXPECT_EQ(text.str().find("Column"), std::string::npos);
+  data.Show(text, 34);
+  EXPECT_NE(text.str().find("Column 1, row 1"), std::string::npos);
+}
+
 TEST(MiPixelData, ShowsNoPixelsForNoSlices) {
   std::ostringstream text;
   MakeData().Show(text, 0);
@@ -405,6 +415,23 @@ TEST(MiPixelDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
   LogCapture log;
   EXPECT_EQ(FromBytes(Followed(bytes), data), Int_t(bytes.size()));
   EXPECT_EQ(log.Take(), "ERR:TMirrorPixelData::Streamer() - arrays: found 0, expected 2, record skipped\n");
+}
+
+TEST(MiPixelDataDamaged, LaterVersionWithoutItsWordsIsRefused) {
+  DescribeVersion2(TMirrorPixelData::Class());
+  ExpectRefused(kPixelNoAt + 3 * 2, 0, 1, "arrays: found 0, expected 2", 2);
+}
+
+TEST(MiPixelDataDamaged, ShortRecordIsRefused) {
+  TMirrorPixelData made = MakeData();
+  const Bytes whole = ToBytes(made);
+  for (size_t size = 0; size < whole.size(); ++size) {
+    TMirrorPixelData back;
+    LogCapture log;
+    EXPECT_EQ(FromBytes(Shortened(whole, size), back), Int_t(size));
+    EXPECT_NE(log.Take(), "");
+    ExpectSameRecord(back, TMirrorPixelData());
+  }
 }
 
 TEST(MiPixelDataDamaged, RecordCutAnywhereIsRefused) {

@@ -154,12 +154,14 @@ constexpr size_t kNPixelsAt = 16;
 
 TEST(MiPixelListOnFile, LaterVersionIsReadByItsDescription) {
   DescribeVersion2(TMirrorPixelList::Class());
-  TMirrorPixelList list = MakeList(33);
-  Bytes bytes = ToBytes(list);
-  Put(bytes, kVersionAt, 2, 2);
-  TMirrorPixelList back;
-  EXPECT_EQ(FromBytes(Followed(bytes), back), Int_t(bytes.size()));
-  EXPECT_EQ(Words(back), Words(list));
+  for (UInt_t n : {0u, 1u, 33u}) {
+    TMirrorPixelList list = MakeList(n);
+    Bytes bytes = ToBytes(list);
+    Put(bytes, kVersionAt, 2, 2);
+    TMirrorPixelList back = MakeList(5);
+    EXPECT_EQ(FromBytes(Followed(bytes), back), Int_t(bytes.size()));
+    EXPECT_EQ(Words(back), Words(list));
+  }
 }
 
 void ExpectRefused(UInt_t count, const std::string& message, UInt_t version = 1) {
@@ -201,6 +203,18 @@ TEST(MiPixelListDamaged, LaterVersionWithoutItsArrayIsRefused) {
   LogCapture log;
   EXPECT_EQ(FromBytes(Followed(bytes), list), Int_t(bytes.size()));
   EXPECT_EQ(log.Take(), "ERR:TMirrorPixelList::Streamer() - fPixelWord: found 0, expected 1, record skipped\n");
+}
+
+TEST(MiPixelListDamaged, ShortRecordIsRefused) {
+  TMirrorPixelList made = MakeList(10);
+  const Bytes whole = ToBytes(made);
+  for (size_t size = 0; size < whole.size(); ++size) {
+    TMirrorPixelList back;
+    LogCapture log;
+    EXPECT_EQ(FromBytes(Shortened(whole, size), back), Int_t(size));
+    EXPECT_NE(log.Take(), "");
+    EXPECT_EQ(back.GetNumPixels(), 0u);
+  }
 }
 
 TEST(MiPixelListDamaged, RecordCutAnywhereIsRefused) {

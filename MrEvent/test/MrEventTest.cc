@@ -65,6 +65,14 @@ TEST(MrEvent, PartsWithoutContentAreNoData) {
   ExpectEmpty(event);
 }
 
+TEST(MrEvent, TriggerInTheFirstOrLastSliceIsData) {
+  for (UInt_t slice : {0u, 99u}) {
+    TMirrorEvent event;
+    event.GetPixelData()->SetTriggered(1, 1, slice);
+    EXPECT_TRUE(event.HasPixelData());
+  }
+}
+
 TEST(MrEvent, CopyOutlivesItsSource) {
   TMirrorEvent* source = new TMirrorEvent;
   Fill(*source);

@@ -69,6 +69,13 @@ inline Bytes Followed(Bytes bytes) {
   return bytes;
 }
 
+/// The first bytes of a record, with a byte count that says so.
+inline Bytes Shortened(const Bytes& bytes, size_t size) {
+  Bytes first(bytes.begin(), bytes.begin() + size);
+  if (size >= 6) Put(first, 0, 0x40000000 | UInt_t(size - 4), 4);
+  return first;
+}
+
 /// Gives the class a second version, described as its own version is, for records of a later time.
 inline void DescribeVersion2(TClass* cl) {
   if (cl->GetStreamerInfos()->GetSize() > 2 && cl->GetStreamerInfos()->At(2)) return;
