@@ -34,7 +34,7 @@ class TStnRunTrailer : public TObject {
   /// Adds to the life time of a mirror; `seconds` may be negative.
   void AddToLifeTimeCounter(int seconds, unsigned int mirror_id);
 
-  /// Whether a mirror took part; false, without a complaint, for an illegal `mirror_id`.
+  /// Whether a mirror took part: bit (id - 1) modulo 32 of the status. Other numbers are never complained of.
   Bool_t IsMirrorPresent(unsigned int mirror_id) const;
   void SetMirrorPresent(unsigned int mirror_id);
 

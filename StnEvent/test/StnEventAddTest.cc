@@ -1,5 +1,6 @@
 #include <StnEvent/StnEvent.h>
 
+#include <EventWithOwnParts.h>
 #include <LogCapture.h>
 #include <Members.h>
 #include <MirrorEvents.h>
@@ -89,9 +90,10 @@ TEST_F(StnEventAddTest, LeavesARefusedMirrorEventAsItIs) {
 
 TEST_F(StnEventAddTest, ChangesTheStationWhileNoMirrorHasDelivered) {
   Header()->SetStnNo(1);
-  Header()->SetMirrorPresent(4);
+  Header()->SetMirrorPresent(1);
   EXPECT_TRUE(Add(2, 1));
   EXPECT_EQ(Header()->GetStnNo(), 2U);
+  EXPECT_EQ(fLog.Take(), "");
 }
 
 TEST_F(StnEventAddTest, RefusesAMirrorASecondTime) {
@@ -120,6 +122,7 @@ TEST_F(StnEventAddTest, ForceReplacesHeaderValuesAndKeepsTheData) {
   ASSERT_TRUE(Add(spec));
   const TMirrorPixelData* old = fEvent.GetPixelData()->GetPixelData(2);
   spec.fCounter = 500;
+  spec.fLabel = TMirrorEventHeader::kShowerEvent;
   spec.fGpsSec = 1000000007;
   spec.fPixels = {7, 8};
   const auto again = MakeMirrorEvent(spec);
@@ -136,6 +139,8 @@ TEST_F(StnEventAddTest, ForceReplacesHeaderValuesAndKeepsTheData) {
             "WRN:TStnFADCData::AddFADCData() - tried to add trace for pixel 487 again !\n");
   EXPECT_EQ(Header()->GetRunTimeCounter(2), 500U);
   EXPECT_EQ(Header()->GetVetoTimeCounter(), 501U);
+  EXPECT_EQ(Header()->GetMirrorEventLabel(2), TMirrorEventHeader::kShowerEvent);
+  EXPECT_EQ(Header()->GetEventClass(), TStnEventHeader::kIsShower);
   EXPECT_EQ(Header()->GetTimeStamp()->GetGPSSec(), 1000000007);
   EXPECT_EQ(fEvent.GetPixelData()->GetPixelData(2), old);
   EXPECT_EQ(fEvent.GetPixelData()->GetNumberOfTriggeredPixels(), 1U);
@@ -174,12 +179,33 @@ TEST_F(StnEventAddTest, LeavesTheRestToTheCaller) {
   mirror->GetEventHeader()->SetRunNo(1);
   mirror->GetEventHeader()->SetEventNo(2);
   mirror->GetEventHeader()->SetT3Id(3);
+  Header()->SetRunNo(11);
+  Header()->SetEventNo(12);
+  Header()->SetT3Id(13);
+  Header()->SetNRejectedT3(14);
+  Header()->SetTotalT3DeadTime(15.0F);
+  Header()->SetT3TimeStamp(VdRoot::TTimeStamp(16, 17));
+  Header()->SetStnDaqDeadTime(18);
+  Member<UInt_t>(*Header(), "fStatusBits") = 19;
+  Member<Short_t>(*Header(), "fSecStartOffset") = 20;
+  Member<Short_t>(*Header(), "fSecEndOffset") = 21;
+  Member<UInt_t>(*Header(), "fTicksPerSecond") = 80000022;
+  Member<UInt_t>(*Header(), "fPPSPhase") = 23;
+
   ASSERT_TRUE(fEvent.AddEvent(mirror.get()));
-  EXPECT_EQ(Header()->GetRunNo(), 0U);
-  EXPECT_EQ(Header()->GetEventNo(), 0U);
-  EXPECT_EQ(Header()->GetT3Id(), 0);
-  EXPECT_EQ(Header()->GetStatusBits(), 0);
-  EXPECT_EQ(Header()->GetStnDaqDeadTime(), 0U);
+  EXPECT_EQ(Header()->GetRunNo(), 11U);
+  EXPECT_EQ(Header()->GetEventNo(), 12U);
+  EXPECT_EQ(Header()->GetT3Id(), 13);
+  EXPECT_EQ(Header()->GetNRejectedT3(), 14U);
+  EXPECT_EQ(Header()->GetTotalT3DeadTime(), 15.0F);
+  EXPECT_EQ(Header()->GetT3TimeStamp()->GetSec(), 16);
+  EXPECT_EQ(Header()->GetT3TimeStamp()->GetNanoSec(), 17);
+  EXPECT_EQ(Header()->GetStnDaqDeadTime(), 18U);
+  EXPECT_EQ(Member<UInt_t>(*Header(), "fStatusBits"), 19U);
+  EXPECT_EQ(Member<Short_t>(*Header(), "fSecStartOffset"), 20);
+  EXPECT_EQ(Member<Short_t>(*Header(), "fSecEndOffset"), 21);
+  EXPECT_EQ(Member<UInt_t>(*Header(), "fTicksPerSecond"), 80000022U);
+  EXPECT_EQ(Member<UInt_t>(*Header(), "fPPSPhase"), 23U);
 }
 
 TEST_F(StnEventAddTest, LastMirrorsVetoCounterStands) {
@@ -433,19 +459,17 @@ TEST_F(StnEventAddTest, AsksARefusedMirrorEventForItsHeaderOnly) {
   EXPECT_THAT(mirror.fCalls, ElementsAre("header"));
 }
 
-/// An event whose header comes from a getter of its own.
-class EventWithOwnHeader : public TStnEvent {
- public:
-  TStnEventHeader* GetEventHeader() override { return &fOwnHeader; }
-  TStnEventHeader fOwnHeader;
-};
-
-TEST_F(StnEventAddTest, ReachesTheHeaderThroughTheGetter) {
-  EventWithOwnHeader event;
+TEST_F(StnEventAddTest, ReachesTheEventsPartsThroughTheGetters) {
+  EventWithOwnParts event;
   ASSERT_TRUE(event.AddEvent(MakeMirrorEvent(2, 3).get()));
-  EXPECT_EQ(event.fOwnHeader.GetStnNo(), 2U);
+  EXPECT_THAT(event.fAsked, ElementsAre("header", "pixel data", "pixel list", "traces"));
   EXPECT_EQ(event.fOwnHeader.GetMirrorDataBits(), 4U);
-  EXPECT_EQ(Member<void*>(event, "fEventHeader"), nullptr);
+  EXPECT_NE(event.fOwnPixelData.GetPixelData(3), nullptr);
+  EXPECT_EQ(event.fOwnPixelList.GetNumPixels(), 3U);
+  EXPECT_EQ(event.fOwnTraces.GetNTraces(), 3U);
+  for (const char* part : {"fEventHeader", "fPixelData", "fPixelList", "fFADCData"}) {
+    EXPECT_EQ(Member<void*>(event, part), nullptr) << part;
+  }
 }
 
 TEST_F(StnEventAddTest, DumpsItsCourseAtPrintLevelOne) {

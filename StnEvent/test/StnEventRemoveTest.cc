@@ -1,9 +1,11 @@
 #include <StnEvent/StnEvent.h>
 
+#include <EventWithOwnParts.h>
 #include <LogCapture.h>
 #include <Members.h>
 #include <MirrorEvents.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -283,6 +285,21 @@ TEST_F(StnEventRemoveTest, EndsAlsoWhenTheCountOfPixelsWrapsAround) {
   Remove(1);
   EXPECT_GT(fEvent.GetPixelList()->GetNumPixels(), 2880U);
   Remove(1);
+}
+
+TEST_F(StnEventRemoveTest, ReachesTheEventsPartsThroughTheGetters) {
+  EventWithOwnParts event;
+  MirrorSpec spec;
+  spec.fPixels = {5, 100};
+  event.AddEvent(MakeMirrorEvent(spec).get());
+  event.fAsked.clear();
+  TMirrorEvent* mirror_event = &fMirror;
+  event.RemoveEvent(1, &mirror_event);
+  EXPECT_THAT(event.fAsked, testing::ElementsAre("header", "pixel data", "pixel list", "traces"));
+  EXPECT_EQ(event.fOwnHeader.GetMirrorDataBits(), 0U);
+  EXPECT_EQ(event.fOwnPixelList.GetNumPixels(), 0U);
+  EXPECT_EQ(fMirror.GetPixelList()->GetNumPixels(), 2U);
+  EXPECT_EQ(fMirror.GetFADCData()->GetNumTraces(), 2U);
 }
 
 TEST_F(StnEventRemoveTest, RebuildsAMirrorEventThatCanBeAddedAgain) {

@@ -1,8 +1,10 @@
 #include <StnEvent/StnEvent.h>
 
+#include <EventWithOwnParts.h>
 #include <LogCapture.h>
 #include <Members.h>
 #include <MirrorEvents.h>
+#include <StnEvent/StnEventFile.h>
 #include <VdUtil/VdGeometry.h>
 
 #include <TBufferFile.h>
@@ -140,6 +142,16 @@ TEST_F(StnEventStreamerTest, KeepsTheVersionOfTheFile) {
   Read(&fRead, Write(&fEvent));
   EXPECT_EQ(Member<Version_t>(fRead, "fStreamerVersion"), 5);
   EXPECT_EQ(Member<Version_t>(fEvent, "fStreamerVersion"), 0);
+}
+
+TEST_F(StnEventStreamerTest, KeepsItsOwnVersionWhenATreeFillsItMemberByMember) {
+  TStnEvent* address = &fEvent;
+  TStnEventFile("tree.root", "RECREATE").WriteEvent(&address);
+  Member<Version_t>(fRead, "fStreamerVersion") = 3;
+  address = &fRead;
+  ASSERT_TRUE(TStnEventFile("tree.root").ReadEvent(&address));
+  EXPECT_EQ(fRead.GetEventHeader()->GetRunNo(), 55U);
+  EXPECT_EQ(Member<Version_t>(fRead, "fStreamerVersion"), 3);
 }
 
 TEST_F(StnEventStreamerTest, WritingMakesNoSubObjects) {
@@ -286,6 +298,29 @@ TEST_F(StnEventStreamerTest, CorrectionsRelabelPixelDataBySlot) {
   EXPECT_EQ(fLog.Take(), "");
 }
 
+TEST_F(StnEventStreamerTest, CorrectionsReachTheFirstAndTheLastMirror) {
+  for (const UInt_t mirror : {1U, 6U}) {
+    fEvent.AddEvent(MakeMirrorEvent(2, mirror).get());
+    fEvent.GetPixelData()->GetPixelData(mirror)->SetMirrorNo(3);
+    TStnEvent::DoCorrections(&fEvent);
+    EXPECT_EQ(fEvent.GetPixelData()->GetPixelData(mirror)->GetMirrorNo(), mirror);
+  }
+}
+
+TEST_F(StnEventStreamerTest, CorrectionsReachTheEventsPartsThroughTheGetters) {
+  EventWithOwnParts event;
+  event.fOwnHeader.SetStnNo(2);
+  TMirrorPixelData record;
+  event.fOwnPixelData.AddPixelData(&record, 3);
+  TStnEvent::DoCorrections(&event);
+  EXPECT_THAT(event.fAsked, testing::UnorderedElementsAre("pixel data", "header", "geometry"));
+  EXPECT_EQ(event.fOwnPixelData.GetPixelData(3)->GetStnNo(), 2U);
+  float azimuth = 0;
+  float elevation = 0;
+  event.fOwnGeometry.GetAxisDirection(6, azimuth, elevation);
+  EXPECT_EQ(elevation, 16.0F);
+}
+
 TEST_F(StnEventStreamerTest, CorrectionsRelabelAWrongMirrorOrAWrongStationAlone) {
   TMirrorPixelData* record = fEvent.GetPixelData()->GetPixelData(3);
   record->SetMirrorNo(4);
@@ -317,6 +352,9 @@ TEST_F(StnEventStreamerTest, CorrectionsShowEachRecordAtPrintLevelTwoOnly) {
   TStnEvent::SetPrintLevel(2);
   testing::internal::CaptureStdout();
   TStnEvent::DoCorrections(&fEvent);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), record.str());
+  testing::internal::CaptureStdout();
+  TStnEvent::DoCorrections(&fMislabelled);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), record.str());
 }
 

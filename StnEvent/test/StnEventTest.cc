@@ -1,5 +1,6 @@
 #include <StnEvent/StnEvent.h>
 
+#include <EventWithOwnParts.h>
 #include <LogCapture.h>
 #include <Members.h>
 #include <MirrorEvents.h>
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -131,6 +133,45 @@ TEST_F(StnEventTest, ResetDeletesAllSubObjects) {
   EXPECT_THAT(Present(fEvent), IsEmpty());
 }
 
+/// A sub-object that tells when it is deleted.
+template <class T>
+class Mortal : public T {
+ public:
+  Mortal(const char* name, std::vector<std::string>* deaths) : fName(name), fDeaths(deaths) {}
+  ~Mortal() override { fDeaths->push_back(fName); }
+
+ private:
+  std::string fName;
+  std::vector<std::string>* fDeaths;
+};
+
+/// The sub-objects of a full event in the order in which `remove` deletes them.
+template <class Remove>
+std::vector<std::string> Deaths(Remove remove) {
+  std::vector<std::string> deaths;
+  auto event = std::make_unique<TStnEvent>();
+  Member<void*>(*event, "fGeometryData") = new Mortal<TStnGeometryData>("geometry", &deaths);
+  Member<void*>(*event, "fT3Data") = new Mortal<TStnT3Data>("T3", &deaths);
+  Member<void*>(*event, "fTriggerData") = new Mortal<TStnTriggerData>("trigger", &deaths);
+  Member<void*>(*event, "fPixelData") = new Mortal<TStnPixelData>("pixel data", &deaths);
+  Member<void*>(*event, "fPixelList") = new Mortal<TStnPixelList>("pixel list", &deaths);
+  Member<void*>(*event, "fFADCData") = new Mortal<TStnFADCData>("traces", &deaths);
+  Member<void*>(*event, "fEventHeader") = new Mortal<TStnEventHeader>("header", &deaths);
+  remove(event);
+  return deaths;
+}
+
+TEST(StnEventDeaths, ClearAndResetBeginWithTheHeader) {
+  const std::vector<std::string> order = {"header", "traces", "pixel list", "pixel data", "trigger", "T3", "geometry"};
+  EXPECT_EQ(Deaths([](auto& event) { event->Clear(); }), order);
+  EXPECT_EQ(Deaths([](auto& event) { event->Reset(); }), order);
+}
+
+TEST(StnEventDeaths, DestructorBeginsWithThePixels) {
+  EXPECT_THAT(Deaths([](auto& event) { event.reset(); }),
+              ElementsAre("pixel data", "pixel list", "traces", "header", "trigger", "T3", "geometry"));
+}
+
 TEST_F(StnEventTest, ClearAndResetOfAnEmptyEventDoNothing) {
   fEvent.Clear();
   fEvent.Clear();
@@ -160,6 +201,7 @@ TEST_F(StnEventTest, SettersStoreCopies) {
   TStnGeometryData geometry;
   geometry.SetAxisDirection(2, 30.0F, 16.0F);
   TStnTriggerData trigger;
+  trigger.SetUniqueID(3);
   fEvent.SetT3Data(&t3);
   fEvent.SetGeometryData(&geometry);
   fEvent.SetTriggerData(&trigger);
@@ -175,14 +217,28 @@ TEST_F(StnEventTest, SettersStoreCopies) {
   fEvent.GetGeometryData()->GetAxisDirection(2, azimuth, elevation);
   EXPECT_EQ(azimuth, 30.0F);
   EXPECT_EQ(elevation, 16.0F);
+  EXPECT_EQ(fEvent.GetTriggerData()->GetUniqueID(), 3U);
+}
+
+/// A record that can be told from others by its number.
+template <class T>
+T Numbered(UInt_t number) {
+  T record;
+  record.SetUniqueID(number);
+  return record;
 }
 
 TEST_F(StnEventTest, SettersReplaceTheOldRecord) {
-  fEvent.GetT3Data()->SetNPixels(1);
-  TStnT3Data t3;
-  t3.SetNPixels(7);
+  MakeAll(&fEvent);
+  auto t3 = Numbered<TStnT3Data>(7);
   fEvent.SetT3Data(&t3);
-  EXPECT_EQ(fEvent.GetT3Data()->GetNPixels(), 7U);
+  auto geometry = Numbered<TStnGeometryData>(8);
+  fEvent.SetGeometryData(&geometry);
+  auto trigger = Numbered<TStnTriggerData>(9);
+  fEvent.SetTriggerData(&trigger);
+  EXPECT_EQ(fEvent.GetT3Data()->GetUniqueID(), 7U);
+  EXPECT_EQ(fEvent.GetGeometryData()->GetUniqueID(), 8U);
+  EXPECT_EQ(fEvent.GetTriggerData()->GetUniqueID(), 9U);
 }
 
 TEST_F(StnEventTest, SettersDeleteTheRecordForNull) {
@@ -253,7 +309,6 @@ TEST_F(StnEventTest, AssignmentCopiesEverySubObject) {
   fEvent = source;
   source.Clear();
   EXPECT_EQ(Present(fEvent), kSubObjects);
-  // A list of another station keeps its own; the one made here is of this host's.
   ExpectFilled(&fEvent);
 }
 
@@ -274,6 +329,23 @@ TEST_F(StnEventTest, AssignmentReusesTheTargetsObjectsButForTheTriggerRecord) {
   EXPECT_EQ(fEvent.GetFADCData(), traces);
   EXPECT_EQ(fEvent.GetT3Data(), t3);
   EXPECT_EQ(fEvent.GetGeometryData(), geometry);
+}
+
+TEST_F(StnEventTest, AssignmentReplacesTheTriggerRecordByACopy) {
+  TStnEvent source;
+  source.GetTriggerData()->SetUniqueID(2);
+  fEvent.GetTriggerData()->SetUniqueID(1);
+  fEvent = source;
+  EXPECT_EQ(fEvent.GetTriggerData()->GetUniqueID(), 2U);
+}
+
+TEST_F(StnEventTest, AssignmentGoesThroughTheGettersInAFixedOrder) {
+  Fill(&fEvent);
+  EventWithOwnParts target;
+  target.TStnEvent::operator=(fEvent);
+  EXPECT_THAT(target.fAsked, ElementsAre("header", "pixel data", "pixel list", "traces", "trigger", "T3", "geometry"));
+  EXPECT_EQ(target.fOwnHeader.GetRunNo(), 55U);
+  EXPECT_EQ(target.fOwnT3.GetNPixels(), 9U);
 }
 
 TEST_F(StnEventTest, AssignmentSharesNothing) {
@@ -400,6 +472,14 @@ TEST_F(StnEventTest, ShowWritesEverySubObject) {
   EXPECT_EQ(fLog.Take(), "WRN:TStnTriggerData::Show() is not implemented !\n");
 }
 
+TEST_F(StnEventTest, ShowAsksTheGettersForFourParts) {
+  EventWithOwnParts event;
+  event.fOwnHeader.SetStnNo(3);
+  EXPECT_EQ(ShowText(&event), ShowHead(3, "") + ShowText(&event.fOwnHeader) + ShowText(&event.fOwnPixelData) +
+                                  ShowText(&event.fOwnPixelList) + ShowText(&event.fOwnTraces));
+  EXPECT_THAT(event.fAsked, ElementsAre("header", "pixel data", "pixel list", "traces"));
+}
+
 TEST_F(StnEventTest, ShowPrintsTheVersionThatWasRead) {
   Member<Version_t>(fEvent, "fStreamerVersion") = 4;
   EXPECT_THAT(ShowText(&fEvent), testing::HasSubstr("\n Streamer version: 4\n"));
@@ -480,22 +560,17 @@ TEST(StnEventRepairWarning, IsWrittenOncePerProcessAndNotAtPrintLevelZero) {
 }
 
 TEST(StnEventClass, HasTheDescribedMembers) {
-  TClass* description = TStnEvent::Class();
-  EXPECT_EQ(description->GetClassVersion(), 5);
-  const std::vector<std::pair<const char*, const char*>> members = {
-      {"fStreamerVersion", "! version read from file"},
-      {"fEventHeader", "station event header"},
-      {"fFADCData", "container of FADC traces"},
-      {"fPixelList", "(compressed) list of pixels"},
-      {"fPixelData", "container of TMirrorPixelData"},
-      {"fTriggerData", "trigger info (unused)"},
-      {"fT3Data", "T3 info (used)"},
-      {"fGeometryData", "geometry information"},
-      {"fgPrintLevel", "! print/verbosity level for TStn* classes"}};
-  for (const auto& member : members) {
-    ASSERT_NE(description->GetListOfDataMembers()->FindObject(member.first), nullptr) << member.first;
-    EXPECT_STREQ(description->GetListOfDataMembers()->FindObject(member.first)->GetTitle(), member.second);
-  }
+  EXPECT_EQ(TStnEvent::Class()->GetClassVersion(), 5);
+  EXPECT_EQ(DescribedMembers(TStnEvent::Class()),
+            Descriptions({{"fgPrintLevel", "! print/verbosity level for TStn* classes"},
+                          {"fStreamerVersion", "! version read from file"},
+                          {"fEventHeader", "station event header"},
+                          {"fFADCData", "container of FADC traces"},
+                          {"fPixelList", "(compressed) list of pixels"},
+                          {"fPixelData", "container of TMirrorPixelData"},
+                          {"fTriggerData", "trigger info (unused)"},
+                          {"fT3Data", "T3 info (used)"},
+                          {"fGeometryData", "geometry information"}}));
 }
 
 }  // namespace
