@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iomanip>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -43,7 +44,7 @@ class TRecordCheck {
   TRecordCheck(const TBuffer& buffer, UInt_t end) : fBuffer(buffer), fPosition(buffer.Length()), fEnd(end) {}
 
   bool HasFrame() const;
-  bool HasVersion2();
+  bool HasVersion2() { return SkipObject() && Skip("fNPixels", 4) && Skip("fPixelVectorSize", 4) && HasVector(); }
   bool HasDescribed(const TVirtualStreamerInfo* description);
 
  private:
@@ -55,7 +56,7 @@ class TRecordCheck {
   UInt_t Peek4(UInt_t offset) const { return Peek2(offset) << 16 | Peek2(offset + 2); }
   UInt_t GetLeft() const { return fEnd > fPosition ? fEnd - fPosition : 0; }
   bool Has(const std::string& field, UInt_t n_bytes) const;
-  bool HasWords(UInt_t n_words) const;
+  bool HasVector() const;
   bool Skip(const std::string& field, UInt_t n_bytes);
   bool SkipObject();
   bool SkipElement(const TStreamerElement& element);
@@ -63,6 +64,7 @@ class TRecordCheck {
   const TBuffer& fBuffer;
   UInt_t fPosition;
   UInt_t fEnd;
+  std::optional<UInt_t> fNWords;  // known once the record has told it
 };
 
 bool TRecordCheck::Has(const std::string& field, UInt_t n_bytes) const {
@@ -70,17 +72,18 @@ bool TRecordCheck::Has(const std::string& field, UInt_t n_bytes) const {
   return Refuse(field, std::to_string(GetLeft()) + " bytes", std::to_string(n_bytes));
 }
 
-bool TRecordCheck::Skip(const std::string& field, UInt_t n_bytes) {
-  if (!Has(field, n_bytes)) return false;
-  fPosition += n_bytes;
-  return true;
+/// The words of the vector, as many as the record has told.
+bool TRecordCheck::HasVector() const {
+  const UInt_t limit = GetLeft() / sizeof(UInt_t);
+  if (*fNWords <= limit) return true;
+  return Refuse("fPixelVectorSize", std::to_string(*fNWords), "at most " + std::to_string(limit));
 }
 
-/// The vector itself, with the size that the record gives it.
-bool TRecordCheck::HasWords(UInt_t n_words) const {
-  const UInt_t limit = GetLeft() / sizeof(UInt_t);
-  if (n_words <= limit) return true;
-  return Refuse("fPixelVectorSize", std::to_string(n_words), "at most " + std::to_string(limit));
+bool TRecordCheck::Skip(const std::string& field, UInt_t n_bytes) {
+  if (!Has(field, n_bytes)) return false;
+  if (field == "fPixelVectorSize" && n_bytes == 4) fNWords = Peek4(0);
+  fPosition += n_bytes;
+  return true;
 }
 
 /// What `TBuffer::ReadVersion` reads: two bytes, or six with a byte count, but it looks at four in any case. Versions
@@ -100,12 +103,6 @@ bool TRecordCheck::SkipObject() {
   if (!Has("TObject", frame + 8)) return false;
   const bool is_referenced = Peek4(frame + 4) & TObject::kIsReferenced;
   return Skip("TObject", frame + 8 + (is_referenced ? 2 : 0));
-}
-
-bool TRecordCheck::HasVersion2() {
-  if (!SkipObject() || !Skip("fNPixels", 4) || !Has("fPixelVectorSize", 4)) return false;
-  const UInt_t n_words = Peek4(0);
-  return Skip("fPixelVectorSize", 4) && HasWords(n_words);
 }
 
 /// Bytes of a number on file; 0 for anything else, also for numbers that take other room on file than in memory.
@@ -134,15 +131,9 @@ bool TRecordCheck::SkipElement(const TStreamerElement& element) {
 /// and skips a record that nothing describes.
 bool TRecordCheck::HasDescribed(const TVirtualStreamerInfo* description) {
   if (!description) return true;
-  bool is_size_known = false;
-  UInt_t n_words = 0;
   for (const TObject* object : *description->GetElements()) {
     const auto& element = *static_cast<const TStreamerElement*>(object);
-    if (is_size_known && IsPixelVector(element)) return Skip("fPixelVector", 1) && HasWords(n_words);
-    if (std::string(element.GetName()) == "fPixelVectorSize" && GetNumberSize(element) == 4 && GetLeft() >= 4) {
-      n_words = Peek4(0);
-      is_size_known = true;
-    }
+    if (fNWords && IsPixelVector(element)) return Skip("fPixelVector", 1) && HasVector();
     if (!SkipElement(element)) return false;
   }
   return Refuse("fPixelVector", "none in the description of the record", "an array of fPixelVectorSize words");
@@ -401,11 +392,14 @@ void TStnPixelList::ReadRecord(TBuffer& b) {
   }
   const UInt_t end = count ? start + sizeof(UInt_t) + count : size;
   TRecordCheck check(b, end);
-  if (!(version == 2 ? check.HasVersion2() : check.HasDescribed(FindDescription(version)))) {
-    return b.SetBufferOffset(end);
-  }
+  const bool is_whole = version == 2 ? check.HasVersion2() : check.HasDescribed(FindDescription(version));
+  if (!is_whole) return b.SetBufferOffset(end);
   fStreamerVersion = version;
-  version == 2 ? ReadVersion2(b, start, count) : ReadDescribed(b, version, start, count);
+  if (version == 2) {
+    ReadVersion2(b, start, count);
+  } else {
+    ReadDescribed(b, version, start, count);
+  }
 }
 
 /// For every version above 2 the description in the file decides.

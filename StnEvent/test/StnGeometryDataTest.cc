@@ -1,7 +1,6 @@
 #include <StnEvent/StnGeometryData.h>
 
-#include <VdUtil/VdConfig.h>
-
+#include "HostOfStation4.h"
 #include "LogCapture.h"
 
 #include <TBufferFile.h>
@@ -15,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -107,7 +107,7 @@ TEST_F(StnGeometryDataTest, LeavesTelescopesThatTheStationLacks) {
 TEST_F(StnGeometryDataTest, TakesTheAxesOfTheHostsStation) {
   TStnGeometryData data;
   data.SetAxisDirection();
-  EXPECT_EQ(GetAxis(data, 2), GetNominalAxis(VdUtil::VdConfig::GetInstance().GetStnId(), 2));
+  EXPECT_EQ(GetAxis(data, 2), GetNominalAxis(4, 2));
 }
 
 TEST_F(StnGeometryDataTest, RefusesStationsOutsideTheRange) {
@@ -188,6 +188,40 @@ TEST_F(StnGeometryDataTest, CopyAndAssignmentTakeAllValues) {
     EXPECT_EQ(GetAxis(copy, id), GetNominalAxis(2, id));
     EXPECT_EQ(GetAxis(target, id), GetNominalAxis(2, id));
   }
+}
+
+/// A record whose axes come and go through operations of its own.
+class TDerivedData : public TStnGeometryData {
+ public:
+  using TStnGeometryData::GetAxisDirection;
+  using TStnGeometryData::SetAxisDirection;
+  void GetAxisDirection(unsigned int telescope_id, float& azimuth, float& elevation) override {
+    azimuth = 10 * telescope_id;
+    elevation = telescope_id;
+  }
+  void SetAxisDirection(unsigned int stn_id) override {
+    fStns.push_back(stn_id);
+    TStnGeometryData::SetAxisDirection(stn_id);
+  }
+  void SetAxisDirection(unsigned int, float azimuth, float elevation) override {
+    fAxes.emplace_back(azimuth, elevation);
+  }
+
+  std::vector<unsigned int> fStns;
+  std::vector<Axis> fAxes;
+};
+
+TEST_F(StnGeometryDataTest, ShortFormsGoThroughTheLongOnes) {
+  TDerivedData data;
+  data.SetAxisDirection();
+  EXPECT_EQ(data.fStns, std::vector<unsigned int>({4}));
+  data.fAxes.clear();
+  data.SetAxisDirection(5);
+  EXPECT_EQ(data.fAxes, std::vector<Axis>({GetNominalAxis(5, 1), GetNominalAxis(5, 2), GetNominalAxis(5, 3)}));
+  VdGeometry::_CameraPointingRec pointing;
+  data.GetAxisDirection(3, pointing);
+  EXPECT_EQ(pointing.fAzimuth, 30);
+  EXPECT_EQ(pointing.fElevation, 3);
 }
 
 const std::string kHead = "--- TStnGeometryData ---\n";

@@ -1,9 +1,11 @@
 #include <StnEvent/StnPixelList.h>
 
 #include <StnEvent/StnEvent.h>
-#include <VdUtil/VdConfig.h>
 
+#include "HostOfStation4.h"
 #include "LogCapture.h"
+#include "Members.h"
+#include "PixelLists.h"
 
 #include <TBufferFile.h>
 #include <TClass.h>
@@ -20,8 +22,6 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -108,49 +108,10 @@ TBytes Written(TStnPixelList& list) {
   return bytes;
 }
 
-class TList3 : public TStnPixelList {
+class TList3 : public TListOf<kStn> {
  public:
-  TList3() { SetStnNo(kStn); }
-  explicit TList3(const std::vector<UInt_t>& stn_pixels) : TList3() {
-    for (UInt_t stn_pixel : stn_pixels)
-      Add(stn_pixel);
-  }
-  void Add(UInt_t stn_pixel) {
-    _VdPixelNumber pixel = Pixel(stn_pixel);
-    AddPixel(&pixel);
-  }
-  void Remove(UInt_t stn_pixel) {
-    _VdPixelNumber pixel = Pixel(stn_pixel);
-    RemovePixel(&pixel);
-  }
-  bool Test(UInt_t stn_pixel) {
-    _VdPixelNumber pixel = Pixel(stn_pixel);
-    return TestPixel(&pixel);
-  }
-  /// The station pixels of the list.
-  std::vector<UInt_t> GetPixels() {
-    std::vector<UInt_t> pixels;
-    for (UInt_t i = 0; i < GetNumPixels(); ++i)
-      pixels.push_back(VdUtil::Vd::GetStnPixelNo(GetPixel(i)));
-    return pixels;
-  }
-  std::string GetText() {
-    std::ostringstream text;
-    Show(text);
-    return text.str();
-  }
-  int GetStreamerVersion() {
-    const std::string line = " Streamer version: ";
-    return std::stoi(GetText().substr(GetText().find(line) + line.size()));
-  }
-  using TStnPixelList::SetStnNo;
-
- private:
-  static _VdPixelNumber Pixel(UInt_t stn_pixel) {
-    _VdPixelNumber pixel;
-    VdUtil::Vd::SetPixelNo(&pixel, (kStn - 1) * 2880 + stn_pixel);
-    return pixel;
-  }
+  using TListOf<kStn>::TListOf;
+  int GetStreamerVersion() { return Member<Version_t>(*this, "fStreamerVersion"); }
 };
 
 using Pixels = std::vector<UInt_t>;
@@ -222,6 +183,19 @@ TEST_F(StnPixelListStreamerTest, RemembersTheVersionThatItRead) {
   TList3 list;
   Read(list, Version4(kStn, 0, std::vector<UInt_t>(90)));
   EXPECT_EQ(list.GetStreamerVersion(), 4);
+}
+
+TEST_F(StnPixelListStreamerTest, ShowsTheVersionThatItRead) {
+  TList3 list;
+  Read(list, Version4(kStn, 0, std::vector<UInt_t>(90)));
+  EXPECT_EQ(list.GetText(),
+            "--- TStnPixelList ---\n"
+            " Stn number      : 3\n"
+            " Number of pixels: 0\n"
+            " Streamer version: 4\n"
+            " Class version   : 4\n"
+            " Pixel numbers   : \n"
+            "---------------------\n");
 }
 
 TEST_F(StnPixelListStreamerTest, AssignmentTakesTheVersionAlong) {
@@ -501,7 +475,7 @@ TEST_F(StnPixelListStreamerTest, ReadsVersion2) {
 TEST_F(StnPixelListStreamerTest, NewListReadFromVersion2HasTheStationOfTheHost) {
   TStnPixelList list;
   Read(list, Version2(0, std::vector<UInt_t>(90)));
-  EXPECT_EQ(list.GetStnNo(), VdUtil::VdConfig::GetInstance().GetStnId());
+  EXPECT_EQ(list.GetStnNo(), 4U);
 }
 
 TEST_F(StnPixelListStreamerTest, Version2LeavesTheStation) {

@@ -2,9 +2,10 @@
 
 #include <MrEvent/MiPixelList.h>
 #include <StnEvent/StnEvent.h>
-#include <VdUtil/VdConfig.h>
 
+#include "HostOfStation4.h"
 #include "LogCapture.h"
+#include "PixelLists.h"
 
 #include <TClass.h>
 #include <TDataMember.h>
@@ -14,19 +15,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
 
 const UInt_t kStn = 2;
-
-_VdPixelNumber Pixel(UInt_t stn_pixel, UInt_t stn = kStn) {
-  _VdPixelNumber pixel;
-  VdUtil::Vd::SetPixelNo(&pixel, (stn - 1) * 2880 + stn_pixel);
-  return pixel;
-}
 
 _PixelNumber MirrorPixel(UInt_t mirror, UInt_t pixel_no, UInt_t stn = kStn) {
   _PixelNumber pixel;
@@ -37,35 +31,7 @@ _PixelNumber MirrorPixel(UInt_t mirror, UInt_t pixel_no, UInt_t stn = kStn) {
   return pixel;
 }
 
-/// A list of station 2 with what is protected in reach.
-class TList2 : public TStnPixelList {
- public:
-  TList2() { SetStnNo(kStn); }
-  explicit TList2(const std::vector<UInt_t>& stn_pixels) : TList2() {
-    for (UInt_t stn_pixel : stn_pixels)
-      Add(stn_pixel);
-  }
-  void Add(UInt_t stn_pixel, UInt_t stn = kStn) {
-    _VdPixelNumber pixel = Pixel(stn_pixel, stn);
-    AddPixel(&pixel);
-  }
-  void Remove(UInt_t stn_pixel) {
-    _VdPixelNumber pixel = Pixel(stn_pixel);
-    RemovePixel(&pixel);
-  }
-  bool Test(UInt_t stn_pixel) {
-    _VdPixelNumber pixel = Pixel(stn_pixel);
-    return TestPixel(&pixel);
-  }
-  /// Installation pixel number at an index, 0 for none.
-  UInt_t At(UInt_t i) {
-    const _VdPixelNumber* pixel = GetPixel(i);
-    return pixel ? VdUtil::Vd::GetPixelNo(pixel) : 0;
-  }
-  using TStnPixelList::ConstructPixelList;
-  using TStnPixelList::GetPosition;
-  using TStnPixelList::SetStnNo;
-};
+using TList2 = TListOf<kStn>;
 
 class StnPixelListTest : public testing::Test {
  protected:
@@ -73,21 +39,13 @@ class StnPixelListTest : public testing::Test {
   LogCapture fLog;
 };
 
-std::string Shown(TStnPixelList& list) {
-  std::ostringstream text;
-  list.Show(text);
-  return text.str();
-}
-
 TEST_F(StnPixelListTest, NewListIsEmpty) {
   TStnPixelList list;
   EXPECT_EQ(list.GetNumPixels(), 0U);
   EXPECT_EQ(fLog.Take(), "");
 }
 
-TEST_F(StnPixelListTest, NewListHasTheStationOfTheHost) {
-  EXPECT_EQ(TStnPixelList().GetStnNo(), VdUtil::VdConfig::GetInstance().GetStnId());
-}
+TEST_F(StnPixelListTest, NewListHasTheStationOfTheHost) { EXPECT_EQ(TStnPixelList().GetStnNo(), 4U); }
 
 TEST_F(StnPixelListTest, ConstructionIsTracedAtPrintLevel2) {
   TStnEvent::fgPrintLevel = 2;
@@ -195,6 +153,17 @@ TEST_F(StnPixelListTest, RefusedPixelOfAnotherStationKeepsTheExpandedList) {
   EXPECT_EQ(fLog.Take(), "");
 }
 
+TEST_F(StnPixelListTest, RefusedIllegalPixelKeepsTheExpandedList) {
+  TList2 list({3});
+  const _VdPixelNumber* pixel = list.GetPixel(0);
+  _VdPixelNumber none;
+  list.AddPixel(&none);
+  TStnEvent::fgPrintLevel = 2;
+  fLog.Take();
+  EXPECT_EQ(list.GetPixel(0), pixel);
+  EXPECT_EQ(fLog.Take(), "");
+}
+
 TEST_F(StnPixelListTest, RefusesARepeatedPixel) {
   TList2 list({3});
   list.Add(3);
@@ -260,6 +229,20 @@ TEST_F(StnPixelListTest, AddPixelListIsReportedAtPrintLevel1) {
             "INF:TStnPixelList::AddPixelList(seq=1): 3367,487,7\n");
 }
 
+TEST_F(StnPixelListTest, AddPixelListReportsARefusedPixelToo) {
+  TMirrorPixelList mirror_list;
+  _PixelNumber pixel = MirrorPixel(2, 7, 4);
+  mirror_list.AddPixel(&pixel);
+  TList2 list;
+  TStnEvent::fgPrintLevel = 1;
+  list.AddPixelList(&mirror_list);
+  EXPECT_EQ(fLog.Take(),
+            "INF:TMirrorPixelList contains 1 pixels !\n"
+            "INF:TStnPixelList::AddPixel((4,2)=2,9127) ...\n"
+            "WRN:TStnPixelList::AddPixel() - tried to add pixel 9127from illegal Stn 4 - ignored!\n"
+            "INF:TStnPixelList::AddPixelList(seq=0): 9127,487,7\n");
+}
+
 TEST_F(StnPixelListTest, NoMirrorListAddsNothing) {
   TList2 list;
   list.AddPixelList(nullptr);
@@ -269,7 +252,7 @@ TEST_F(StnPixelListTest, NoMirrorListAddsNothing) {
 TEST_F(StnPixelListTest, PositionIsTheStationPixelCountedFromZero) {
   TList2 list;
   UInt_t element = 0, bit = 0;
-  _VdPixelNumber pixel = Pixel(33);
+  _VdPixelNumber pixel = MakeStnPixel(kStn, 33);
   list.GetPosition(&pixel, &element, &bit);
   EXPECT_EQ(element, 1U);
   EXPECT_EQ(bit, 1U);
@@ -295,7 +278,7 @@ TEST_F(StnPixelListTest, TestPixelOfTheLastStationPixelIsFalse) {
 
 TEST_F(StnPixelListTest, TestPixelMakesNoStationCheck) {
   TList2 list({64});
-  _VdPixelNumber pixel = Pixel(63, 5);
+  _VdPixelNumber pixel = MakeStnPixel(5, 63);
   EXPECT_TRUE(list.TestPixel(&pixel));
 }
 
@@ -398,7 +381,16 @@ TEST_F(StnPixelListTest, ExpansionIsSilentAtPrintLevel1) {
   EXPECT_EQ(fLog.Take(), "");
 }
 
-TEST(StnPixelListDeathTest, BitsThatDoNotMatchTheCountEndTheProcess) {
+TEST(StnPixelListDeathTest, FewerBitsThanTheCountEndTheProcess) {
+  TList2 list;
+  list.Remove(20);
+  EXPECT_EXIT((gSystem->ResetSignals(), list.GetPixel(0)), testing::ExitedWithCode(1),
+              testing::Eq("FAT:TStnPixelList::ConstructPixelList() - "
+                          "Size mismatch whilst constructing of internal PixelList !\n"
+                          "FAT:Size= 0 vs. expected size= 4294967295\n"));
+}
+
+TEST(StnPixelListDeathTest, MoreBitsThanTheCountEndTheProcess) {
   TList2 list({10, 20});
   list.Remove(10);
   EXPECT_EXIT((gSystem->ResetSignals(), list.GetPixel(0)), testing::ExitedWithCode(1),
@@ -446,6 +438,15 @@ TEST_F(StnPixelListTest, ClearKeepsTheStation) {
   TList2 list;
   list.Clear();
   EXPECT_EQ(list.GetStnNo(), kStn);
+}
+
+TEST_F(StnPixelListTest, ClearLeavesTheExpandedList) {
+  TList2 list({3});
+  list.At(0);
+  list.Clear();
+  list.Remove(20);
+  EXPECT_EQ(list.GetNumPixels(), 4294967295U);
+  EXPECT_EQ(list.At(0), 2883U);
 }
 
 TEST_F(StnPixelListTest, ClearedExpandedListTakesNewPixels) {
@@ -537,7 +538,7 @@ TEST_F(StnPixelListTest, CountIsNotCompared) {
 
 TEST_F(StnPixelListTest, ShowsAnEmptyList) {
   TList2 list;
-  EXPECT_EQ(Shown(list),
+  EXPECT_EQ(list.GetText(),
             "--- TStnPixelList ---\n"
             " Stn number      : 2\n"
             " Number of pixels: 0\n"
@@ -552,7 +553,7 @@ TEST_F(StnPixelListTest, ShowsTenPixelsOnALine) {
   list.SetStnNo(1);
   for (UInt_t n = 1; n <= 21; ++n)
     list.Add(n * 100, 1);
-  EXPECT_EQ(Shown(list),
+  EXPECT_EQ(list.GetText(),
             "--- TStnPixelList ---\n"
             " Stn number      : 1\n"
             " Number of pixels: 21\n"
@@ -570,7 +571,7 @@ TEST_F(StnPixelListTest, ShowStopsWhereAnOlderExpandedListEnds) {
   list.Remove(20);
   list.Remove(20);
   EXPECT_EQ(list.GetNumPixels(), 4294967295U);
-  EXPECT_EQ(Shown(list),
+  EXPECT_EQ(list.GetText(),
             "--- TStnPixelList ---\n"
             " Stn number      : 2\n"
             " Number of pixels: 4294967295\n"
@@ -584,7 +585,7 @@ TEST_F(StnPixelListTest, ShowsToStandardOutputByDefault) {
   TList2 list;
   testing::internal::CaptureStdout();
   list.Show();
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), Shown(list));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), list.GetText());
 }
 
 TEST_F(StnPixelListTest, IsRegisteredAsVersion4) { EXPECT_EQ(TClass::GetClass("TStnPixelList")->GetClassVersion(), 4); }
