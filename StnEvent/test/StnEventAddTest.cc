@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <iomanip>
 #include <string>
 #include <vector>
 
@@ -17,7 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::MatchesRegex;
 
 /// What the mirrors fill in a header, to compare two states of it.

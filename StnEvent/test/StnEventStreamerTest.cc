@@ -24,7 +24,6 @@
 
 namespace {
 
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 std::vector<char> Write(TStnEvent* event) {

@@ -1,20 +1,17 @@
 #include <StnEvent/StnRunHeader.h>
 
+#include <HostOfStation4.h>
+#include <Members.h>
 #include <MrEvent/MrEventVersion.h>
 #include <StnEvent/StnEventVersion.h>
-#include <VdUtil/VdConfig.h>
 
 #include <TBufferFile.h>
 #include <TClass.h>
-#include <TDataMember.h>
-#include <TList.h>
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace {
 
@@ -38,6 +35,9 @@ void Fill(TStnRunHeader* header) {
   header->SetComment("clear night");
   header->SetEvbVersion(0x10203);
   header->SetReadoutVersion(0x20304);
+  // What a header has that another version of the library wrote.
+  Member<UInt_t>(*header, "fStnEventVersion") = 0x30405;
+  Member<UInt_t>(*header, "fMrEventVersion") = 0x40506;
 }
 
 void ExpectFilled(const TStnRunHeader& header) {
@@ -50,12 +50,12 @@ void ExpectFilled(const TStnRunHeader& header) {
   EXPECT_EQ(header.GetUserComment(), "clear night");
   EXPECT_EQ(header.GetEvbVersion(), 0x10203U);
   EXPECT_EQ(header.GetReadoutVersion(), 0x20304U);
-  EXPECT_EQ(header.GetStnEventVersion(), 0x20164U);
-  EXPECT_EQ(header.GetMrEventVersion(), 0x40105U);
+  EXPECT_EQ(header.GetStnEventVersion(), 0x30405U);
+  EXPECT_EQ(header.GetMrEventVersion(), 0x40506U);
 }
 
 void ExpectCleared(const TStnRunHeader& header) {
-  EXPECT_EQ(header.GetStnNo(), VdUtil::VdConfig::GetInstance().GetStnId());
+  EXPECT_EQ(header.GetStnNo(), 4U);
   EXPECT_EQ(header.GetMirrorStatus(), 0U);
   EXPECT_EQ(header.GetRunNo(), 0U);
   EXPECT_EQ(header.GetStartTime().GetSec(), 0);
@@ -190,20 +190,22 @@ TEST(StnRunHeader, ShowsAllOfAFilledHeader) {
                                    " Users name      : observer\n"
                                    " RUN comment     : clear night\n"
                                    " Software versions used: \n"
-                                   "  - MrEvent 4.1.5\n"
-                                   "  - StnEvent 2.1.100\n"
+                                   "  - MrEvent 4.5.6\n"
+                                   "  - StnEvent 3.4.5\n"
                                    "  - MiReadout 2.3.4\n"
                                    "  - Evb/MiApps 1.2.3\n");
 }
 
-TEST(StnRunHeader, ShowsUnknownProgramVersionsAndSixMirrorsOnly) {
+TEST(StnRunHeader, ShowsTheVersionsOfThisLibraryAndSixMirrorsOnly) {
   TStnRunHeader header;
   Fill(&header);
   header.SetVersionInformation();
   header.SetMirrorStatus(0xff);
   const std::string text = ShowText(&header);
   EXPECT_NE(text.find(" Mirrors present : 1 2 3 4 5 6 \n"), std::string::npos) << text;
-  EXPECT_NE(text.find("  - MiReadout 'unknown'\n  - Evb/MiApps 'unknown'\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("  - MrEvent 4.1.5\n  - StnEvent 2.1.100\n  - MiReadout 'unknown'\n  - Evb/MiApps 'unknown'\n"),
+            std::string::npos)
+      << text;
 }
 
 TEST(StnRunHeader, ComesBackFromABuffer) {
@@ -215,24 +217,18 @@ TEST(StnRunHeader, ComesBackFromABuffer) {
 }
 
 TEST(StnRunHeader, HasTheDescribedMembers) {
-  TClass* description = TStnRunHeader::Class();
-  EXPECT_EQ(description->GetClassVersion(), 2);
-  const std::vector<std::pair<std::string, std::string>> expected = {
-      {"fStnNumber", "Stn number (1..4)"},
-      {"fMirrorStatus", "bit for each mirror in DAQ: bit (id - 1) for mirror id"},
-      {"fRunNo", "run number of current RUN"},
-      {"fStartTime", "time when the RUN was started"},
-      {"fUserName", "name of the user who did DAQ"},
-      {"fComment", "RUN specific comment string"},
-      {"fEvbVersion", "version of the event builder"},
-      {"fStnEventVersion", "version of this library's data format"},
-      {"fMrEventVersion", "version of the MrEvent data fmt."},
-      {"fReadoutVersion", "version of the readout program"}};
-  std::vector<std::pair<std::string, std::string>> members;
-  for (const TObject* member : *description->GetListOfDataMembers()) {
-    if (std::string(member->GetName()) != "fgIsA") members.emplace_back(member->GetName(), member->GetTitle());
-  }
-  EXPECT_EQ(members, expected);
+  EXPECT_EQ(TStnRunHeader::Class()->GetClassVersion(), 2);
+  EXPECT_EQ(DescribedMembers(TStnRunHeader::Class()),
+            Descriptions({{"fStnNumber", "Stn number (1..4)"},
+                          {"fMirrorStatus", "bit for each mirror in DAQ: bit (id - 1) for mirror id"},
+                          {"fRunNo", "run number of current RUN"},
+                          {"fStartTime", "time when the RUN was started"},
+                          {"fUserName", "name of the user who did DAQ"},
+                          {"fComment", "RUN specific comment string"},
+                          {"fEvbVersion", "version of the event builder"},
+                          {"fStnEventVersion", "version of this library's data format"},
+                          {"fMrEventVersion", "version of the MrEvent data fmt."},
+                          {"fReadoutVersion", "version of the readout program"}}));
 }
 
 }  // namespace
