@@ -8,6 +8,7 @@
 #include <TBranch.h>
 #include <TBuffer.h>
 #include <TClass.h>
+#include <TKey.h>
 #include <TMemFile.h>
 #include <TNamed.h>
 #include <TString.h>
@@ -177,7 +178,7 @@ UInt_t TStnEventFile::GetNEvents() {
 
 Bool_t TStnEventFile::GetTree() {
   if (fTree) return kTRUE;
-  fTree = static_cast<TTree*>(GetOfClass(gStnTreeName, TTree::Class()));
+  fTree = Get<TTree>(gStnTreeName);
   if (!fTree) {
     VD_ERROR << "TStnEventFile::GetTree() - no Tree with name '" << gStnTreeName << "' found !" << std::endl;
     return kFALSE;
@@ -185,15 +186,6 @@ Bool_t TStnEventFile::GetTree() {
   if (fgPrintLevel > 2) fTree->Print("");
   fNEntries = static_cast<Int_t>(fTree->GetEntries());
   return kTRUE;
-}
-
-// A file object without a file has neither a directory to go to nor a list of objects to look into.
-void TStnEventFile::EnterDirectory() {
-  if (IsOpen()) cd();
-}
-
-void* TStnEventFile::GetOfClass(const char* name, const TClass* wanted) {
-  return IsOpen() ? GetObjectChecked(name, wanted) : nullptr;
 }
 
 void TStnEventFile::Show(std::ostream& str) {
@@ -309,6 +301,11 @@ Bool_t TStnEventFile::GetBranches(TStnEvent** event) {
   return fEventHeaderBranch ? kTRUE : ReportMissingBranch("fEventHeader");
 }
 
+void TStnEventFile::EnterDirectory() {
+  // A file object without a file is no directory to go to: ROOT crashes there when it starts its interpreter.
+  if (IsOpen()) cd();
+}
+
 Bool_t TStnEventFile::ReadEvent(TStnEvent** event) {
   EnterDirectory();
   if (!GetTree() || !GetBranches(event)) return kFALSE;
@@ -360,14 +357,14 @@ Int_t TStnEventFile::ReadPartialEvent() {
 Bool_t TStnEventFile::ReadRunHeader(TStnRunHeader** header) {
   EnterDirectory();
   SafeDelete(*header);
-  *header = static_cast<TStnRunHeader*>(GetOfClass("RunHeader", TStnRunHeader::Class()));
+  *header = Get<TStnRunHeader>("RunHeader");
   return *header ? kTRUE : ReportMissingRecord("RunHeader");
 }
 
 Bool_t TStnEventFile::ReadRunTrailer(TStnRunTrailer** trailer) {
   EnterDirectory();
   SafeDelete(*trailer);
-  *trailer = static_cast<TStnRunTrailer*>(GetOfClass("RunTrailer", TStnRunTrailer::Class()));
+  *trailer = Get<TStnRunTrailer>("RunTrailer");
   return *trailer ? kTRUE : ReportMissingRecord("RunTrailer");
 }
 

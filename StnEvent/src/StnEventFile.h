@@ -120,13 +120,13 @@ class TStnEventFile : public TFile {
   friend class TStnEventFileSignalHandler;
 
   Float_t GetCompressionFactorUncounted();
-  void EnterDirectory();
-  void* GetOfClass(const char* name, const TClass* wanted);
+  bool IsCut(const char* name);
   Bool_t IsWritingPossible(const char* what);
   Bool_t MakeTree(TStnEvent** event);
   Bool_t IsEventBranchBound();
   void FillTree();
   Bool_t WriteRecord(const TObject* record, const char* name);
+  void EnterDirectory();
   Int_t ReadPartialEvent();
 
   TBranch* fBranch = nullptr;             // event branch in split level=1

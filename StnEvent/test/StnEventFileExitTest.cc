@@ -2,6 +2,7 @@
 #include "LogCapture.h"
 
 #include <StnEvent/StnRunHeader.h>
+#include <StnEvent/StnRunTrailer.h>
 
 #include <TSysEvtHandler.h>
 
@@ -83,9 +84,22 @@ const std::map<std::string, std::function<void(const char*, UInt_t)>> kEndings =
     {"delete", [](const char* option, UInt_t n_events) { delete WriteOpenFile(option, n_events); }},
     {"close", [](const char* option, UInt_t n_events) { WriteOpenFile(option, n_events)->Close(); }},
     {"read", [](const char* option, UInt_t) { (new TStnEventFile(kName, option))->GetNEvents(); }},
+    {"nothing",
+     [](const char*, UInt_t) {
+       QuietRoot quiet;
+       TStnEventFile file;
+       TStnEvent* event = nullptr;
+       TStnEventHeader* header = nullptr;
+       TStnRunHeader* run_header = nullptr;
+       TStnRunTrailer* run_trailer = nullptr;
+       const bool is_read = file.ReadRunHeader(&run_header) || file.ReadRunTrailer(&run_trailer) ||
+                            file.ReadEvent(&event) || file.ReadEventHeader(&header);
+       exit(is_read ? 1 : 0);
+     }},
     {"terminate",
      [](const char* option, UInt_t n_events) {
        WriteOpenFile(option, n_events);
+       signal(SIGTERM, SIG_DFL);
        raise(SIGTERM);
      }},
     {"ten",
@@ -249,6 +263,16 @@ TEST(StnEventFileExitLogTest, LeavesFilesBeingReadAlone) {
   EXPECT_THAT(GetExitLog(outcome.fLog), testing::ContainsRegex(std::string(kHandlerBegins) + kHandlerEnds));
 }
 
+TEST(StnEventFileExitLogTest, FileObjectWithoutFileHasNothingToRead) {
+  const Outcome outcome = RunToTheEnd("nothing", "", 0);
+  EXPECT_EQ(outcome.fStatus, 0);
+  EXPECT_EQ(outcome.fLog,
+            "ERR:TStnEventFile::ReadRunHeader() - reading 'RunHeader' from file was unsuccessful !\n"
+            "ERR:TStnEventFile::ReadRunTrailer() - reading 'RunTrailer' from file was unsuccessful !\n"
+            "ERR:TStnEventFile::GetTree() - no Tree with name 'StnEventTree' found !\n"
+            "ERR:TStnEventFile::GetTree() - no Tree with name 'StnEventTree' found !\n");
+}
+
 TEST(StnEventFileExitLogTest, TenFilesInstallTheHandlerOnce) {
   const Outcome outcome = RunToTheEnd("ten", "RECREATE", 0, 1);
   EXPECT_EQ(outcome.fStatus, 0);
@@ -342,6 +366,7 @@ class DeadlySignal : public testing::TestWithParam<Deadly> {
 TEST_P(DeadlySignal, ClosesTheFilesAndDiesOfTheSignal) {
   EXPECT_EXIT(
       {
+        signal(GetParam().fNumber, SIG_DFL);
         gSystem->ResetSignals();
         WriteOpenFile("RECREATE", 3);
         TStnEventFileSignalHandler handler(GetParam().fSignal);
@@ -355,6 +380,7 @@ TEST_P(DeadlySignal, ClosesTheFilesAndDiesOfTheSignal) {
 TEST_P(DeadlySignal, DiesOfTheSignalAlsoWhenRegistered) {
   EXPECT_EXIT(
       {
+        signal(GetParam().fNumber, SIG_DFL);
         gSystem->ResetSignals();
         auto handler = new TStnEventFileSignalHandler(GetParam().fSignal);
         handler->Add();
@@ -368,6 +394,7 @@ TEST_P(DeadlySignal, DiesOfTheSignalAlsoWhenRegistered) {
 TEST_P(DeadlySignal, DiesOfTheSignalAlsoWhenInstalled) {
   EXPECT_EXIT(
       {
+        signal(GetParam().fNumber, SIG_DFL);
         gSystem->ResetSignals();
         TStnEventFileSignalHandler handler(GetParam().fSignal);
         handler.Add();

@@ -235,6 +235,7 @@ TEST_F(StnEventFileWriteTest, IgnoresAnInterruptDuringAFill) {
   AddProbe([] { raise(SIGINT); });
   EXPECT_EXIT(
       {
+        signal(SIGINT, SIG_DFL);
         gSystem->ResetSignals();
         OpenFile file(kName, "RECREATE");
         _exit(file.WriteEvent(&fAddress) ? 0 : 1);
@@ -245,6 +246,7 @@ TEST_F(StnEventFileWriteTest, IgnoresAnInterruptDuringAFill) {
 TEST_F(StnEventFileWriteTest, InterruptsActAsUsualAfterAFill) {
   EXPECT_EXIT(
       {
+        signal(SIGINT, SIG_DFL);
         gSystem->ResetSignals();
         OpenFile file(kName, "RECREATE");
         file.WriteEvent(&fAddress);
@@ -415,6 +417,7 @@ TEST_F(StnEventFileWriteTest, WriteRunHeaderReplacesTheEarlierOne) {
   {
     OpenFile file(kName, "RECREATE");
     for (const UInt_t run_no : {5, 6}) {
+      OpenFile other("other.root", "RECREATE");
       header.SetRunNo(run_no);
       EXPECT_TRUE(file.WriteRunHeader(&header));
     }
@@ -434,6 +437,7 @@ TEST_F(StnEventFileWriteTest, WriteRunTrailerReplacesTheEarlierOne) {
   {
     OpenFile file(kName, "RECREATE");
     for (const UInt_t n_events : {5, 6}) {
+      OpenFile other("other.root", "RECREATE");
       trailer.SetNEvents(n_events);
       EXPECT_TRUE(file.WriteRunTrailer(&trailer));
     }
