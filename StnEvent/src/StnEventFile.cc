@@ -176,9 +176,19 @@ UInt_t TStnEventFile::GetNEvents() {
   return GetTree() ? static_cast<UInt_t>(fTree->GetEntries()) : 0;
 }
 
+// From a record that goes on beyond the end of a file cut short ROOT makes an object all the same, out of whatever lies
+// in memory behind what it could read.
+template <class T>
+T* TStnEventFile::GetWhole(const char* name) {
+  const TKey* key = GetKey(name);
+  const Long64_t size = GetSize();
+  const bool is_cut = key && size >= 0 && key->GetSeekKey() + key->GetNbytes() > size;
+  return is_cut ? nullptr : Get<T>(name);
+}
+
 Bool_t TStnEventFile::GetTree() {
   if (fTree) return kTRUE;
-  fTree = Get<TTree>(gStnTreeName);
+  fTree = GetWhole<TTree>(gStnTreeName);
   if (!fTree) {
     VD_ERROR << "TStnEventFile::GetTree() - no Tree with name '" << gStnTreeName << "' found !" << std::endl;
     return kFALSE;
@@ -357,14 +367,14 @@ Int_t TStnEventFile::ReadPartialEvent() {
 Bool_t TStnEventFile::ReadRunHeader(TStnRunHeader** header) {
   EnterDirectory();
   SafeDelete(*header);
-  *header = Get<TStnRunHeader>("RunHeader");
+  *header = GetWhole<TStnRunHeader>("RunHeader");
   return *header ? kTRUE : ReportMissingRecord("RunHeader");
 }
 
 Bool_t TStnEventFile::ReadRunTrailer(TStnRunTrailer** trailer) {
   EnterDirectory();
   SafeDelete(*trailer);
-  *trailer = Get<TStnRunTrailer>("RunTrailer");
+  *trailer = GetWhole<TStnRunTrailer>("RunTrailer");
   return *trailer ? kTRUE : ReportMissingRecord("RunTrailer");
 }
 

@@ -120,7 +120,8 @@ class TStnEventFile : public TFile {
   friend class TStnEventFileSignalHandler;
 
   Float_t GetCompressionFactorUncounted();
-  bool IsCut(const char* name);
+  template <class T>
+  T* GetWhole(const char* name);
   Bool_t IsWritingPossible(const char* what);
   Bool_t MakeTree(TStnEvent** event);
   Bool_t IsEventBranchBound();
