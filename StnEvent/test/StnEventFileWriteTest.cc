@@ -17,6 +17,7 @@
 #include <csignal>
 #include <functional>
 #include <memory>
+#include <new>
 
 #include <sys/resource.h>
 
@@ -164,6 +165,28 @@ TEST_F(StnEventFileWriteTest, NullAtFirstTurnsTheCheckOff) {
   }
   EXPECT_EQ(ReadNumbers(), (std::vector<UInt_t>{0, 0, 4}));
   EXPECT_EQ(fLog.Take(), "");
+}
+
+/// A file for whose trees there is no memory.
+class FullFile : public OpenFile {
+ public:
+  using OpenFile::OpenFile;
+  void Append(TObject* object, Bool_t replace) override {
+    if (fIsFull) throw std::bad_alloc();
+    OpenFile::Append(object, replace);
+  }
+  bool fIsFull = true;
+};
+
+TEST_F(StnEventFileWriteTest, ReportsATreeThatCantBeMade) {
+  FullFile file(kName, "RECREATE");
+  EXPECT_FALSE(file.WriteEvent(&fAddress));
+  EXPECT_EQ(fLog.Take(), "ERR:TStnEventFile::WriteEvent() - could not create TTree !\n");
+  EXPECT_EQ(Member<TStnEvent*>(file, "fEventBuffer"), &fEvent);
+  EXPECT_EQ(Member<TTree*>(file, "fTree"), nullptr);
+  file.fIsFull = false;
+  EXPECT_TRUE(file.WriteEvent(&fAddress));
+  EXPECT_NE(Member<TTree*>(file, "fTree"), nullptr);
 }
 
 TEST_F(StnEventFileWriteTest, IsSilentAtLevel1) {
