@@ -40,7 +40,6 @@ BinRange WithoutZeros(const T* values, UInt_t n, IsZero is_zero) {
     --range.fLast;
   while (range.fFirst < range.fLast && is_zero(values[range.fFirst]))
     ++range.fFirst;
-  if (range.Size() == 0) range = BinRange();
   return range;
 }
 
@@ -126,9 +125,15 @@ void TFADCData::Streamer(TBuffer& b) {
 }
 
 void TFADCData::WriteRecord(TBuffer& b) {
-  static thread_local UChar_t low[kNFADCWords];
-  static thread_local UChar_t high[kNFADCWords];
+  UChar_t low[kNFADCWords];
+  UChar_t high[kNFADCWords];
+  PackValues();
+  PackWords(low, high);
+  b.WriteClassBuffer(Class(), this);
+  fLow = fHigh = nullptr;
+}
 
+void TFADCData::PackValues() {
   fPixelWord = fRecord->fPixelNumber.fPixelNumber;
   fTraceInfo = fRecord->fTraceInfo.fWord;
   fPrevThreshold = fRecord->fMonitor.fPrevThreshold;
@@ -137,7 +142,10 @@ void TFADCData::WriteRecord(TBuffer& b) {
   fMean = fRecord->fMonitor.fMean;
   fVariance = fRecord->fMonitor.fVariance;
   fTraceStartTime = fRecord->fTraceStartTime;
+}
 
+/// Fills base and bytes of the form on file; the bytes stand in the two arrays, which have room for all words.
+void TFADCData::PackWords(UChar_t* low, UChar_t* high) {
   const BinRange used = WithoutZeros(fRecord->fFadcData, kNFADCWords, [](Word word) { return word.fWord == 0; });
   const Word* words = fRecord->fFadcData + used.fFirst;
   const UInt_t n = used.Size();
@@ -156,8 +164,6 @@ void TFADCData::WriteRecord(TBuffer& b) {
   fNHigh = not_zero.Size();
   fLow = low;
   fHigh = high + not_zero.fFirst;
-  b.WriteClassBuffer(Class(), this);
-  fLow = fHigh = nullptr;
 }
 
 void TFADCData::ReadRecord(TBuffer& b) {
@@ -169,8 +175,8 @@ void TFADCData::ReadRecord(TBuffer& b) {
   fFirstLow = fFirstHigh = 0;
   fNLow = fNHigh = 0;
   reader.ReadByDescription(this);
-  const bool has_arrays = (fNLow == 0 || fLow) && (fNHigh == 0 || fHigh);
-  if (CheckCounts(reader) && (has_arrays || reader.Fail("arrays", 0, "2"))) Unpack(fLow, fHigh);
+  if (CheckCounts(reader) && reader.CheckArray("fLow", fLow, fNLow) && reader.CheckArray("fHigh", fHigh, fNHigh))
+    Unpack(fLow, fHigh);
   delete[] fLow;
   delete[] fHigh;
   fLow = fHigh = nullptr;
@@ -205,10 +211,8 @@ void TFADCData::Unpack(const UChar_t* low, const UChar_t* high) {
 
   Word* words = fRecord->fFadcData;
   std::fill(words, words + kNFADCWords, Word());
-  const Int_t n_low = low ? fNLow : 0;
-  const Int_t n_high = high ? fNHigh : 0;
-  for (Int_t i = 0; i < n_low; ++i)
+  for (Int_t i = 0; i < fNLow; ++i)
     words[fFirstLow + i].fWord = fBase + low[i];
-  for (Int_t i = 0; i < n_high; ++i)
+  for (Int_t i = 0; i < fNHigh; ++i)
     words[fFirstHigh + i].fWord += high[i] << 8;
 }

@@ -100,8 +100,9 @@ class TFADCData : public TObject {
   /// First and last bin of the trace, 0 to 4095.
   UInt_t GetStartBin() const { return fRecord->fTraceInfo.fStartBin; }
   UInt_t GetEndBin() const { return fRecord->fTraceInfo.fEndBin; }
-  /// Number of bins from the first to the last; 0 when the last lies before the first.
-  UInt_t GetTraceLength() const { return GetEndBin() < GetStartBin() ? 0 : GetEndBin() + 1 - GetStartBin(); }
+  /// Number of bins from the first to the last, in unsigned arithmetic: a very large number when the last lies further
+  /// than one bin before the first. Not to be used as an index unchecked.
+  UInt_t GetTraceLength() const { return GetEndBin() + 1 - GetStartBin(); }
 
   /// How finely the trace is digitised.
   FADCTraceResolution GetResolution() const {
@@ -125,6 +126,8 @@ class TFADCData : public TObject {
  private:
   void Own();
   void WriteRecord(TBuffer& b);
+  void PackValues();
+  void PackWords(UChar_t* low, UChar_t* high);
   void ReadRecord(TBuffer& b);
   void ReadCurrentVersion(MrRecordReader& reader);
   bool CheckCounts(MrRecordReader& reader) const;

@@ -37,7 +37,7 @@ TMirrorFADCData::_FADCDataRec* TMirrorFADCData::_GetFADCData(UInt_t column, UInt
 
 void TMirrorFADCData::SetPixelFADCData(_PixelNumber* pixel, const TFADCData* trace) {
   // A word of zero stands for no pixel, which has no trace: the pass one past the end of a list is no error.
-  if (!pixel || pixel->fPixelNumber == 0) return;
+  if (!pixel || (pixel->fPixelNumber & 0xFFFF) == 0) return;
   const UInt_t pixel_no = Vd::GetPixelNo(pixel);
   if (pixel_no < 1 || pixel_no > kNPixels) {
     VD_ERROR << "TMirrorFADCData::SetPixelFADCData() - illegal pixel " << pixel_no << " passed, ignored!" << std::endl;
@@ -98,8 +98,9 @@ void TMirrorFADCData::WriteRecord(TBuffer& b) {
 
 void TMirrorFADCData::ReadRecord(TBuffer& b) {
   b.ReadClassBuffer(Class(), this);
-  Clear();
+  // Every record has the array, also an empty one: without it nothing was read.
   if (!fTraces) return;
+  Clear();
   fTraces->SetOwner(true);
   const Int_t n = std::min<Int_t>(fTraces->GetSize(), kNPixels);
   for (Int_t index = 0; index < n; ++index)

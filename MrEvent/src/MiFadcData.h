@@ -50,9 +50,8 @@ class TMirrorFADCData : public TObject {
     return GetPixelFADCData(VdUtil::Vd::GetColumnNo(pixel), VdUtil::Vd::GetRowNo(pixel));
   }
 
-  /// Puts a copy of the trace at the pixel, in place of one that stands there. A pixel word of zero, which stands for
-  /// no pixel, is ignored like a null pointer; a null trace and a pixel outside the
-  /// camera are refused with an error message.
+  /// Puts a copy of the trace at the pixel, in place of one that stands there. A pixel word of zero, which stands for no
+  /// pixel, is ignored like a null pointer; a null trace and a pixel outside the camera are refused with an error message.
   void SetPixelFADCData(_PixelNumber* pixel, const TFADCData* trace);
 
   /// Deletes all traces.

@@ -129,8 +129,8 @@ void TMirrorPixelData::Streamer(TBuffer& b) {
 }
 
 void TMirrorPixelData::WriteRecord(TBuffer& b) {
-  static thread_local UShort_t pixel_no[kNPixels];
-  static thread_local UInt_t words[kNPixels][kNWords];
+  UShort_t pixel_no[kNPixels];
+  UInt_t words[kNPixels][kNWords];
 
   fUnused = fRecord->fUnused;
   fMirrorNumber = UShort_t(fRecord->fMirrorNumber.fMirrorNumber);
@@ -157,8 +157,9 @@ void TMirrorPixelData::ReadRecord(TBuffer& b) {
   }
   fNTriggered = fNTriggerWords = 0;
   reader.ReadByDescription(this);
-  const bool has_arrays = fNTriggered == 0 || (fPixelNo && fTriggerWord);
-  if (CheckCounts(reader) && (has_arrays || reader.Fail("arrays", 0, "2"))) Unpack(reader, fPixelNo, fTriggerWord);
+  if (CheckCounts(reader) && reader.CheckArray("fPixelNo", fPixelNo, fNTriggered) &&
+      reader.CheckArray("fTriggerWord", fTriggerWord, fNTriggerWords))
+    Unpack(reader, fPixelNo, fTriggerWord);
   delete[] fPixelNo;
   delete[] fTriggerWord;
   fPixelNo = nullptr;
@@ -184,8 +185,7 @@ bool TMirrorPixelData::CheckCounts(MrRecordReader& reader) const {
 
 /// Fills the record from the form on file, whose counts have been checked.
 void TMirrorPixelData::Unpack(MrRecordReader& reader, const UShort_t* pixel_no, const UInt_t* words) {
-  const Int_t n = pixel_no && words ? fNTriggered : 0;
-  for (Int_t i = 0; i < n; ++i) {
+  for (Int_t i = 0; i < fNTriggered; ++i) {
     if (pixel_no[i] >= 1 && pixel_no[i] <= kNPixels) continue;
     reader.Fail("fPixelNo", pixel_no[i], "1 to " + std::to_string(kNPixels));
     return;
@@ -193,6 +193,6 @@ void TMirrorPixelData::Unpack(MrRecordReader& reader, const UShort_t* pixel_no, 
   Clear();
   fRecord->fUnused = fUnused;
   fRecord->fMirrorNumber.fMirrorNumber = fMirrorNumber;
-  for (Int_t i = 0; i < n; ++i, words += kNWords)
+  for (Int_t i = 0; i < fNTriggered; ++i, words += kNWords)
     std::copy(words, words + kNWords, fRecord->fTrigger[pixel_no[i] - 1]);
 }

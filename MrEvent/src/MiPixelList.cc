@@ -93,8 +93,7 @@ void TMirrorPixelList::ReadRecord(TBuffer& b) {
   fNPixels = 0;
   const Int_t limit = reader.BytesLeft() / sizeof(UInt_t);
   reader.ReadByDescription(this);
-  const bool has_array = fNPixels == 0 || fPixelWord;
-  if (reader.CheckCount("fNPixels", fNPixels, limit) && (has_array || reader.Fail("fPixelWord", 0, "1")))
+  if (reader.CheckCount("fNPixels", fNPixels, limit) && reader.CheckArray("fPixelWord", fPixelWord, fNPixels))
     Unpack(fPixelWord);
   delete[] fPixelWord;
   fPixelWord = nullptr;

@@ -43,6 +43,10 @@ bool MrRecordReader::CheckCount(const char* field, Int_t count, Int_t limit) {
   return (count >= 0 && count <= limit) || Fail(field, count, "0 to " + std::to_string(limit));
 }
 
+bool MrRecordReader::CheckArray(const char* field, const void* array, Int_t count) {
+  return count == 0 || array || Fail(field, 0, "1");
+}
+
 const UChar_t* MrRecordReader::ReadBytes(const char* field, Int_t count) {
   if (!BeginArray(field, count, 1) || count == 0) return nullptr;
   const char* bytes = fBuffer.Buffer() + fBuffer.Length();

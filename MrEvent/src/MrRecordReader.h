@@ -40,6 +40,9 @@ class MrRecordReader {
   /// Checks a count that was read: 0 to `limit`.
   bool CheckCount(const char* field, Int_t count, Int_t limit);
 
+  /// Checks that the description's reader made an array of a count that is not 0.
+  bool CheckArray(const char* field, const void* array, Int_t count);
+
   /// Reads a counted array whose count was checked, into room for that many.
   template <class T>
   void ReadArray(const char* field, T* array, Int_t count) {

@@ -9,6 +9,7 @@
 #include <TStreamerInfo.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <random>
 #include <string>
@@ -166,12 +167,12 @@ TEST(FadcData, TraceLengthCountsBothEnds) {
   EXPECT_EQ(trace.GetTraceLength(), 4096u);
 }
 
-TEST(FadcData, TraceThatEndsBeforeItsStartHasNoLength) {
+TEST(FadcData, TraceLengthIsUnsignedBelowZero) {
   TFADCData trace;
   SetBins(*trace.GetRecord(), 6, 5);
   EXPECT_EQ(trace.GetTraceLength(), 0u);
   SetBins(*trace.GetRecord(), 4095, 0);
-  EXPECT_EQ(trace.GetTraceLength(), 0u);
+  EXPECT_EQ(trace.GetTraceLength(), 0u - 4094u);
 }
 
 TEST(FadcData, NumberOfBinsFollowsTheResolution) {
@@ -201,6 +202,22 @@ TEST(FadcData, SampleHasNoFlagsAndIsZeroBeyondTheWords) {
   EXPECT_EQ(trace.GetSample(4095), 0u);
 }
 
+TEST(FadcData, FieldsOfTheRecordStandInTheirOrder) {
+  EXPECT_EQ(offsetof(Record, fPixelNumber), 0u);
+  EXPECT_EQ(offsetof(Record, fMonitor), 8u);
+  EXPECT_EQ(offsetof(Record, fTraceInfo), 40u);
+  EXPECT_EQ(offsetof(Record, fTraceStartTime), 44u);
+  EXPECT_EQ(offsetof(Record, fFadcData), 48u);
+  EXPECT_EQ(sizeof(Record), 48u + 2 * 2000);
+
+  typedef TFADCData::_PixelMonitorDataRec Monitor;
+  EXPECT_EQ(offsetof(Monitor, fPrevThreshold), 0u);
+  EXPECT_EQ(offsetof(Monitor, fActualThreshold), 4u);
+  EXPECT_EQ(offsetof(Monitor, fActualRate), 8u);
+  EXPECT_EQ(offsetof(Monitor, fMean), 16u);
+  EXPECT_EQ(offsetof(Monitor, fVariance), 24u);
+}
+
 TEST(FadcData, BitFieldsStandWhereTheHardwarePutsThem) {
   TFADCData::_FADCTraceInfoRec info;
   info.fWord = 0;
@@ -227,7 +244,14 @@ TEST(FadcData, BitFieldsStandWhereTheHardwarePutsThem) {
   word.fPixelTrigger = 1;
   EXPECT_EQ(word.fWord, 0xf123);
   EXPECT_EQ(word.fBits.fData, 0x123);
-  EXPECT_EQ(word.fBits.fPixelTrigger, 1);
+  word.fBits.fUnused1 = 0;
+  EXPECT_EQ(word.fWord, 0xe123);
+  word.fBits.fUnused2 = 0;
+  EXPECT_EQ(word.fWord, 0xc123);
+  word.fBits.fThresholdChanged = 0;
+  EXPECT_EQ(word.fWord, 0x8123);
+  word.fBits.fPixelTrigger = 0;
+  EXPECT_EQ(word.fWord, 0x0123);
 }
 
 TEST(FadcData, ClearGivesANewTrace) {
@@ -599,7 +623,13 @@ TEST(FadcDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
   Bytes bytes = ToBytes(empty);
   Put(bytes, kVersionAt, 2, 2);
   Put(bytes, kNLowAt, 10, 4);
-  ExpectRefused(Followed(bytes), bytes.size(), "arrays: found 0, expected 2");
+  ExpectRefused(Followed(bytes), bytes.size(), "fLow: found 0, expected 1");
+
+  TFADCData trace = MakeTrace();
+  bytes = ToBytes(trace);
+  Put(bytes, kVersionAt, 2, 2);
+  Put(bytes, kArraysAt + 1 + 1000, 0, 1);
+  ExpectRefused(Followed(bytes), bytes.size(), "fHigh: found 0, expected 1");
 }
 
 }  // namespace

@@ -145,6 +145,9 @@ TEST(MiFadcData, NoPixelIsIgnored) {
   data.SetPixelFADCData(nullptr, &trace);
   data.SetPixelFADCData(&none, &trace);
   data.SetPixelFADCData(&none, nullptr);
+  // The upper half of the word has no meaning.
+  none.fPixelNumber = 0x10000;
+  data.SetPixelFADCData(&none, &trace);
   EXPECT_EQ(log.Take(), "");
   ExpectMadeData(data);
 }
@@ -232,6 +235,15 @@ TEST(MiFadcDataOnFile, NoTracesComeBack) {
   TMirrorFADCData back = MakeData();
   FromBytes(ToBytes(data), back);
   EXPECT_EQ(back.GetNumTraces(), 0u);
+}
+
+TEST(MiFadcDataOnFile, RecordThatCannotBeReadLeavesTheTraces) {
+  TMirrorFADCData data;
+  Bytes bytes = ToBytes(data);
+  Put(bytes, 4, 7, 2);
+  TMirrorFADCData back = MakeData();
+  EXPECT_EQ(FromBytes(Followed(bytes), back), Int_t(bytes.size()));
+  ExpectMadeData(back);
 }
 
 TEST(MiFadcDataOnFile, TracesComeBackThroughAFile) {

@@ -7,6 +7,7 @@
 
 #include <TStreamerElement.h>
 
+#include <cstddef>
 #include <cstring>
 #include <random>
 #include <sstream>
@@ -59,8 +60,16 @@ TEST(MiPixelData, SetMirrorNumberCopiesTheWholeNumber) {
   data.SetMirrorNumber(&number);
   EXPECT_EQ(data.GetStnNo(), 4u);
   EXPECT_EQ(data.GetMirrorNo(), 5u);
-  number.fMirrorNumber = 0;
+  number.fMirrorNumber = 0x5aa5;
   EXPECT_EQ(data.GetMirrorNo(), 5u);
+  data.SetMirrorNumber(&number);
+  EXPECT_EQ(data.GetMirrorNumber()->fMirrorNumber, 0x5aa5);
+}
+
+TEST(MiPixelData, MirrorNumberStandsBehindOneWord) {
+  EXPECT_EQ(offsetof(Record, fUnused), 0u);
+  EXPECT_EQ(offsetof(Record, fMirrorNumber), 4u);
+  EXPECT_EQ(offsetof(Record, fTrigger), 8u);
 }
 
 TEST(MiPixelData, NullMirrorNumberIsIgnored) {
@@ -414,12 +423,12 @@ TEST(MiPixelDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
   Put(bytes, kNTriggerWordsAt, 4, 4);
   LogCapture log;
   EXPECT_EQ(FromBytes(Followed(bytes), data), Int_t(bytes.size()));
-  EXPECT_EQ(log.Take(), "ERR:TMirrorPixelData::Streamer() - arrays: found 0, expected 2, record skipped\n");
+  EXPECT_EQ(log.Take(), "ERR:TMirrorPixelData::Streamer() - fPixelNo: found 0, expected 1, record skipped\n");
 }
 
 TEST(MiPixelDataDamaged, LaterVersionWithoutItsWordsIsRefused) {
   DescribeVersion2(TMirrorPixelData::Class());
-  ExpectRefused(kPixelNoAt + 3 * 2, 0, 1, "arrays: found 0, expected 2", 2);
+  ExpectRefused(kPixelNoAt + 3 * 2, 0, 1, "fTriggerWord: found 0, expected 1", 2);
 }
 
 TEST(MiPixelDataDamaged, ShortRecordIsRefused) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <sstream>
 
 namespace {
@@ -74,6 +75,10 @@ TEST(MrEventHeader, NewHeaderIsZeroInTheCurrentFormat) {
   EXPECT_EQ(header.GetNextPageTime(), 0u);
   EXPECT_EQ(header.GetNextPageNanoTime(), 0u);
   EXPECT_EQ(header.GetNextPageDelay(), 0u);
+  Float_t t10, offset;
+  header.GetTimeCorrectionParameters(&t10, &offset);
+  EXPECT_EQ(t10, 0.f);
+  EXPECT_EQ(offset, 0.f);
   EXPECT_EQ(header.GetTriggerSource(), Header::kUnknownTrigger);
   EXPECT_EQ(header.GetRunNo(), 0u);
   EXPECT_EQ(header.GetT3Id(), 0u);
@@ -85,6 +90,38 @@ TEST(MrEventHeader, NewHeaderIsZeroInTheCurrentFormat) {
 }
 
 TEST(MrEventHeader, EachFieldKeepsItsValue) { ExpectMadeHeader(MakeHeader()); }
+
+TEST(MrEventHeader, FieldsOfTheRecordStandInTheirOrderWithTheirWidth) {
+  typedef Header::_MirrorEventHeaderRec Record;
+#define FIELD(name) offsetof(Record, name), sizeof(Record::name)
+  const struct {
+    size_t fOffset, fSize, fWidth;
+  } kFields[] = {{FIELD(fVersion), 2},
+                 {FIELD(fMirrorNumber), 4},
+                 {FIELD(fEventLabel), 4},
+                 {FIELD(fEventNo), 4},
+                 {FIELD(fEventType), 1},
+                 {FIELD(fTriggerNo), 4},
+                 {FIELD(fTriggerTimeStamp), 4},
+                 {FIELD(fNextPageTime), 4},
+                 {FIELD(fNextPageNanoTime), 4},
+                 {FIELD(fNextPageDelay), 4},
+                 {FIELD(fTriggerSource), 1},
+                 {FIELD(fRunNo), 4},
+                 {FIELD(fT3Id), 2},
+                 {FIELD(fDeadTimeCounter), 8},
+                 {FIELD(fRunTimeCounter), 8},
+                 {FIELD(fVetoTimeCounter), 8},
+                 {FIELD(fDaqDeadTime), 8},
+                 {FIELD(fNumSkippedTriggers), 4}};
+#undef FIELD
+  size_t end = 0;
+  for (const auto& field : kFields) {
+    EXPECT_GE(field.fOffset, end);
+    EXPECT_EQ(field.fSize, field.fWidth);
+    end = field.fOffset + field.fSize;
+  }
+}
 
 TEST(MrEventHeader, MirrorNumberIsInsideTheHeader) {
   Header header;

@@ -1,5 +1,6 @@
 #include <MrEvent/MrEvent.h>
 #include <MrEvent/MrEventVersion.h>
+#include <MrEvent/MrRunTrailer.h>
 
 #include <RecordBuffers.h>
 
@@ -160,12 +161,17 @@ Long_t SlotOf(T operation) {
   return (words[0] - 1) / Long_t(sizeof(void*));
 }
 
+struct FirstOperation : TObject {
+  virtual void First() {}
+};
+
 TEST(MrEvent, VirtualOperationsStandInTheirOrder) {
-  const Long_t first = SlotOf(&TMirrorEvent::GetEventHeader);
+  // Both classes begin where TObject's operations end.
+  const Long_t first = SlotOf(&FirstOperation::First);
+  EXPECT_EQ(SlotOf(&TMirrorEvent::GetEventHeader), first);
   EXPECT_EQ(SlotOf(&TMirrorEvent::GetPixelData), first + 1);
   EXPECT_EQ(SlotOf(&TMirrorEvent::GetFADCData), first + 6);
   EXPECT_EQ(SlotOf(&TMirrorEvent::GetPixelList), first + 7);
-  // Both classes begin where TObject's operations end.
   EXPECT_EQ(SlotOf(&TMirrorPixelList::AddPixel), first);
 }
 
@@ -174,6 +180,35 @@ TEST(MrEvent, VersionIsTheOneOfItsText) {
   EXPECT_EQ(kMrEventSubVersion, 1);
   EXPECT_EQ(kMrEventSubSubVersion, 5);
   EXPECT_STREQ(kMrEventVersionString, "MrEvent 4.1.5");
+}
+
+template <class T>
+class MirrorClass : public testing::Test {};
+
+typedef testing::Types<TMirrorEvent, TMirrorEventHeader, TMirrorPixelData, TMirrorPixelList, TMirrorFADCData, TFADCData,
+                       TMirrorRunTrailer>
+    MirrorClasses;
+TYPED_TEST_SUITE(MirrorClass, MirrorClasses);
+
+TYPED_TEST(MirrorClass, IsAllocatedAsARootObject) {
+  const std::unique_ptr<TypeParam> object(new TypeParam);
+  EXPECT_TRUE(object->IsOnHeap());
+}
+
+TYPED_TEST(MirrorClass, CopyTakesTheObjectPartAlong) {
+  TypeParam source;
+  source.SetUniqueID(7);
+  EXPECT_EQ(TypeParam(source).GetUniqueID(), 7u);
+}
+
+TYPED_TEST(MirrorClass, AssignmentAndClearLeaveTheObjectPart) {
+  TypeParam source, target;
+  source.SetUniqueID(7);
+  target.SetUniqueID(8);
+  target = source;
+  EXPECT_EQ(target.GetUniqueID(), 8u);
+  target.Clear();
+  EXPECT_EQ(target.GetUniqueID(), 8u);
 }
 
 TEST(MrEvent, EachClassHasItsVersion) {

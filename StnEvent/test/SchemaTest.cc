@@ -327,12 +327,26 @@ TEST(ChecksumTest, LayoutsChangeOnlyWithTheVersion) {
     Version_t fVersion;
     UInt_t fChecksum;
   } kLayouts[] = {
-      {"TStnRunHeader", 2, 0xec98a907},    {"TStnRunTrailer", 3, 0xa97df384},     {"TStnEventHeader", 10, 0x45658c42},
-      {"TStnFADCData", 1, 0x2d05249d},     {"TStnGeometryData", 1, 0x957e9e0e},   {"TStnPixelList", 4, 0x00f840ad},
-      {"TStnPixelData", 2, 0x043cae38},    {"TStnTriggerData", 1, 0xf6d77d2b},    {"TStnT3Data", 3, 0x8105443d},
-      {"TStnEvent", 5, 0x31bdeaee},        {"VdRoot::TTimeStamp", 1, 0xb38f6d4e}, {"TMirrorEventHeader", 1, 0xf874f115},
-      {"TMirrorPixelData", 1, 0x9122fbd3}, {"TMirrorPixelList", 1, 0xd0d05c1e},   {"TFADCData", 1, 0xd356194a},
-      {"TMirrorFADCData", 1, 0x4ff9134f},  {"TMirrorEvent", 1, 0x4f335125},       {"TMirrorRunTrailer", 1, 0x84ba432a},
+      {"TStnRunHeader", 2, 0xec98a907},
+      {"TStnRunTrailer", 3, 0xa97df384},
+      {"TStnEventHeader", 10, 0x45658c42},
+      {"TStnFADCData", 1, 0x2d05249d},
+      {"TStnGeometryData", 1, 0x957e9e0e},
+      {"TStnPixelList", 4, 0x00f840ad},
+      {"TStnPixelData", 2, 0x043cae38},
+      {"TStnTriggerData", 1, 0xf6d77d2b},
+      {"TStnT3Data", 3, 0x8105443d},
+      {"TStnEvent", 5, 0x31bdeaee},
+      {"VdRoot::TTimeStamp", 1, 0xb38f6d4e},
+      {"TMirrorEventHeader", 1, 0xf874f115},
+      {"TMirrorPixelData", 1, 0x9122fbd3},
+      {"TMirrorPixelList", 1, 0xd0d05c1e},
+      {"TFADCData", 1, 0xd356194a},
+      {"TMirrorFADCData", 1, 0x4ff9134f},
+      {"TMirrorEvent", 1, 0x4f335125},
+      {"TMirrorRunTrailer", 1, 0x84ba432a},
+      {"TMirrorEventHeader::_MirrorEventHeaderRec", 2, 0xa79a5cda},
+      {"TMirrorRunTrailer::_MirrorRunTrailerRec", 2, 0x95239e27},
   };
   for (const auto& layout : kLayouts) {
     TClass* description = TClass::GetClass(layout.fClass);
