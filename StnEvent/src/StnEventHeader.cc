@@ -10,10 +10,14 @@
 
 #include <TBuffer.h>
 #include <TClass.h>
+#include <TObjArray.h>
+#include <TStreamerElement.h>
 #include <TString.h>
+#include <TVirtualStreamerInfo.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <iomanip>
 #include <iterator>
 #include <map>
@@ -24,10 +28,10 @@
 
 using VdRoot::TTimeStamp;
 
-ClassImp(TStnEventHeader)
+ClassImp(TStnEventHeader);
 
-    // Filled by the first look-up.
-    static std::map<TStnEventHeader::EEventClass, std::string> gEventClassMap;
+// Filled by the first look-up.
+static std::map<TStnEventHeader::EEventClass, std::string> gEventClassMap;
 static std::map<TStnEventHeader::EEventType, std::string> gEventTypeMap;
 
 namespace {
@@ -102,9 +106,10 @@ constexpr Version_t kFirstReadableVersion = 4;
 constexpr Version_t kLastHandReadVersion = 8;
 constexpr UInt_t kByteCountV5 = 239;
 
-// The TObject part takes 10 bytes; damage can make ROOT take 4 more for its version and 2 more for a reference. Any
-// record of the old versions is longer than that.
-constexpr Int_t kMaxObjectSize = 16;
+// Damage can make ROOT take 4 bytes more for the version of the TObject part and 2 more for a reference. Any record of
+// the old versions is longer than that.
+constexpr Int_t kObjectSize = 10;
+constexpr Int_t kMaxObjectSize = kObjectSize + 6;
 constexpr Int_t kMinFrameSize = 6;
 constexpr Int_t kChecksumSize = 4;
 constexpr Int_t kTimeStampSize = 8;
@@ -172,7 +177,7 @@ class FieldReader {
   }
 
  private:
-  /// Up to version 4 each array follows its element count.
+  /// Up to version 4 each array of numbers follows its element count.
   bool AcceptCount(const char* field, Int_t expected) {
     if (fVersion > 4) return true;
     Int_t count = 0;
@@ -218,6 +223,29 @@ void DumpBadV5(TBuffer& R__b, UInt_t R__c) {
   for (auto& byte : bytes)
     R__b >> byte;
   BufferShow(bytes);
+}
+
+/// Bytes on file of an element of a class description; 0 if they can differ from record to record.
+Int_t GetSizeOnFile(const TStreamerElement& element) {
+  using Info = TVirtualStreamerInfo;
+  if (element.GetType() == Info::kTObject) return kObjectSize;
+  if (std::strcmp(element.GetTypeName(), TTimeStamp::Class_Name()) == 0)
+    return std::max(element.GetArrayLength(), 1) * (kMinFrameSize + kTimeStampSize);
+  const Int_t type = element.GetType() % Info::kOffsetL;  // of one number, also in an array
+  const bool is_packed = type == Info::kCharStar || type == Info::kDouble32 || type == Info::kFloat16;
+  return element.IsA() == TStreamerBasicType::Class() && !is_packed ? element.GetSize() : 0;
+}
+
+/// Bytes that a record takes at least behind its frame, by the description of its version; 0 if there is none.
+Int_t GetMinSize(Version_t version) {
+  TClass* const header = TStnEventHeader::Class();
+  header->GetStreamerInfo();  // makes today's, should nothing have asked for it yet
+  const TObjArray* const infos = header->GetStreamerInfos();
+  if (version >= infos->LowerBound() + infos->GetSize() || !infos->At(version)) return 0;
+  Int_t size = 0;
+  for (const TObject* element : *static_cast<const TVirtualStreamerInfo*>(infos->At(version))->GetElements())
+    size += GetSizeOnFile(*static_cast<const TStreamerElement*>(element));
+  return size;
 }
 
 /// Whether the buffer holds what a record claims; if not, logs an error and leaves the buffer at its end.
@@ -595,8 +623,16 @@ void TStnEventHeader::ReadRecord(TBuffer& R__b) {
 }
 
 void TStnEventHeader::ReadByDescription(TBuffer& R__b, Version_t R__v, UInt_t R__s, UInt_t R__c) {
-  const Long64_t rest = Long64_t(R__s) + sizeof(UInt_t) + R__c - R__b.Length();
-  if (HoldsRecord(R__b, "byte count", rest)) Class()->ReadBuffer(R__b, this, R__v, R__s, R__c);
+  // A record without a byte count can take all that is left.
+  const Long64_t rest = R__c == 0 ? GetBytesLeft(R__b) : Long64_t(R__c) - Long64_t(sizeof(R__v));
+  if (!HoldsRecord(R__b, "byte count", rest)) return;
+  const Int_t min_size = GetMinSize(R__v);
+  if (rest >= min_size) {
+    Class()->ReadBuffer(R__b, this, R__v, R__s, R__c);
+    return;
+  }
+  LogMismatch("Streamer", "fields", rest, min_size, "bytes");
+  R__b.SetBufferOffset(static_cast<Int_t>(R__b.Length() + std::max(rest, 0LL)));
 }
 
 void TStnEventHeader::ReadByHand(TBuffer& R__b, Version_t R__v, UInt_t R__s, UInt_t R__c) {

@@ -1,6 +1,6 @@
 #include <StnEvent/StnEventHeader.h>
 
-#include <StnEvent/StnEvent.h>
+#include "PrintLevel.h"
 
 #include <LogCapture.h>
 
@@ -26,16 +26,6 @@ using ::testing::IsEmpty;
 using VdRoot::TTimeStamp;
 
 namespace {
-
-/// Sets the print level for its own life.
-class PrintLevel {
- public:
-  explicit PrintLevel(UInt_t level) : fBefore(TStnEvent::fgPrintLevel) { TStnEvent::fgPrintLevel = level; }
-  ~PrintLevel() { TStnEvent::fgPrintLevel = fBefore; }
-
- private:
-  UInt_t fBefore;
-};
 
 /// Collects ROOT's own messages during its life.
 class RootMessages {
@@ -165,10 +155,6 @@ Int_t GetStreamerVersion(const TStnEventHeader& header) {
   return std::stoi(match[1]);
 }
 
-std::string WithoutLineNumbers(const std::string& log) {
-  return std::regex_replace(log, std::regex("\\.cc:[0-9]+: "), ".cc:LINE: ");
-}
-
 template <class T>
 std::vector<ULong64_t> OfMirrors(const TStnEventHeader& header, T (TStnEventHeader::*get)(UInt_t) const) {
   std::vector<ULong64_t> values;
@@ -283,6 +269,80 @@ TEST(StnEventHeaderVersion10, IsNotReadFromACutBuffer) {
     EXPECT_EQ(Write(header), fresh);
   }
 }
+
+TEST(StnEventHeaderVersion10, IsNotReadFromARecordThatIsTooShort) {
+  TStnEventHeader full, header;
+  Fill(full);
+  const std::string bytes = Write(full), fresh = Write(header);
+  for (size_t size : {size_t(1), size_t(100), bytes.size() - 6 - 1}) {
+    LogCapture log;
+    RootMessages root;
+    EXPECT_EQ(Read(header, Frame(10, bytes.substr(6, size)) + "more"), Int_t(6 + size));
+    EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::Streamer() - fields: found " + std::to_string(size) +
+                              " bytes, expected " + std::to_string(bytes.size() - 6) + " !\n");
+    EXPECT_THAT(root.Get(), IsEmpty());
+    EXPECT_EQ(Write(header), fresh);
+    EXPECT_EQ(GetStreamerVersion(header), 10);
+  }
+}
+
+TEST(StnEventHeaderVersion10, IsNotReadFromARecordShorterThanItsVersion) {
+  LogCapture log;
+  TStnEventHeader header;
+  EXPECT_EQ(Read(header, Record().Add(0x40000001u).Add(UShort_t(10)).GetBytes() + "more"), 6);
+  EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::Streamer() - fields: found -1 bytes, expected 429 !\n");
+}
+
+TEST(StnEventHeaderVersion10, IsNotReadWithAByteCountOfMoreThan31Bits) {
+  LogCapture log;
+  TStnEventHeader header;
+  EXPECT_EQ(Read(header, Record().Add(0xffffffffu).Add(UShort_t(10)).GetBytes() + "more"), 10);
+  EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::Streamer() - byte count: found 4 bytes, expected 3221225469 !\n");
+}
+
+TEST(StnEventHeaderVersion10, IsReadFromALongerRecord) {
+  RootMessages root;
+  LogCapture log;
+  TStnEventHeader full, header;
+  Fill(full);
+  const std::string bytes = Write(full);
+  EXPECT_EQ(Read(header, Frame(10, bytes.substr(6) + "more")), Int_t(bytes.size()) + 4);
+  EXPECT_EQ(log.Take(), "");
+  EXPECT_THAT(root.Get(), ElementsAre(::testing::HasSubstr("read too few bytes")));
+  EXPECT_EQ(Write(header), bytes);
+}
+
+TEST(StnEventHeaderVersion10, NeedsNoByteCount) {
+  LogCapture log;
+  TStnEventHeader full, header;
+  Fill(full);
+  const std::string bytes = Write(full);
+  EXPECT_EQ(Read(header, bytes.substr(4)), Int_t(bytes.size()) - 4);
+  EXPECT_EQ(log.Take(), "");
+  EXPECT_EQ(Write(header), bytes);
+}
+
+TEST(StnEventHeaderVersion10, IsNotReadWithoutAByteCountFromACutBuffer) {
+  LogCapture log;
+  TStnEventHeader header;
+  EXPECT_EQ(Read(header, Record().Add(UShort_t(10)).GetBytes() + "more"), 6);
+  EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::Streamer() - fields: found 4 bytes, expected 429 !\n");
+}
+
+class StnEventHeaderUnknownVersion : public ::testing::TestWithParam<Int_t> {};
+
+TEST_P(StnEventHeaderUnknownVersion, IsLeftToRoot) {
+  RootMessages root;
+  LogCapture log;
+  TStnEventHeader header;
+  const std::string fresh = Write(header);
+  EXPECT_EQ(Read(header, Frame(GetParam(), "abc") + "more"), 9);
+  EXPECT_EQ(log.Take(), "");
+  EXPECT_THAT(root.Get(), ::testing::Not(IsEmpty()));
+  EXPECT_EQ(Write(header), fresh);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, StnEventHeaderUnknownVersion, ::testing::Values(9, 11, 20, 21, 22, 23, 32767));
 
 TEST(StnEventHeaderFrame, IsNotReadFromACutBuffer) {
   for (Int_t size = 0; size < 6; ++size) {
@@ -698,6 +758,13 @@ TEST(StnEventHeaderBadVersion5, IsDumped) {
             " 31 32 33                                          123\n"
             "\n");
   EXPECT_EQ(log.Take(), FatalLine(21));
+}
+
+TEST(StnEventHeaderBadVersion5, OfFullLinesIsDumpedWithoutABlankOne) {
+  LogCapture log;
+  TStnEventHeader header;
+  EXPECT_EQ(ReadAndGetDump(header, Frame(5, "0123456789abcdef")),
+            " 30 31 32 33 34 35 36 37 38 39 61 62 63 64 65 66   0123456789abcdef\n\n");
 }
 
 TEST(StnEventHeaderBadVersion5, OfOneByteMoreIsDumpedIn15Lines) {

@@ -1,15 +1,14 @@
 #include <StnEvent/StnEventHeader.h>
 
-#include <StnEvent/StnEvent.h>
-#include <VdUtil/VdConfig.h>
+#include "HostOfStation4.h"
+#include "Members.h"
+#include "PrintLevel.h"
 
 #include <LogCapture.h>
 
 #include <TBufferFile.h>
 #include <TClass.h>
-#include <TDataMember.h>
 #include <TInterpreter.h>
-#include <TList.h>
 #include <TStreamerElement.h>
 #include <TVirtualStreamerInfo.h>
 
@@ -18,29 +17,14 @@
 
 #include <functional>
 #include <memory>
-#include <regex>
 #include <string>
 #include <vector>
 
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using VdRoot::TTimeStamp;
 
 namespace {
-
-/// Sets the print level for its own life.
-class PrintLevel {
- public:
-  explicit PrintLevel(UInt_t level) : fBefore(TStnEvent::fgPrintLevel) { TStnEvent::fgPrintLevel = level; }
-  ~PrintLevel() { TStnEvent::fgPrintLevel = fBefore; }
-
- private:
-  UInt_t fBefore;
-};
-
-/// Debug lines with "LINE" in the place of the line number.
-std::string WithoutLineNumbers(const std::string& log) {
-  return std::regex_replace(log, std::regex("\\.cc:[0-9]+: "), ".cc:LINE: ");
-}
 
 std::string WriteToBytes(TStnEventHeader& header) {
   TBufferFile buffer(TBuffer::kWrite);
@@ -64,7 +48,7 @@ void FillMirror(TStnEventHeader& header, UInt_t id) {
 /// A header in which every field on file differs from its default.
 void Fill(TStnEventHeader& header) {
   header.SetEventNo(1);
-  header.SetStnNo(4);
+  header.SetStnNo(2);
   header.SetEventClass(TStnEventHeader::kIsShower);
   header.SetEventType(TStnEventHeader::kPhysics);
   header.SetRunNo(3);
@@ -94,9 +78,7 @@ TEST(StnEventHeaderDefaults, HasNoNumbers) {
   EXPECT_EQ(header.GetTotalT3DeadTime(), 0.0f);
 }
 
-TEST(StnEventHeaderDefaults, HasTheStationOfTheHost) {
-  EXPECT_EQ(TStnEventHeader().GetStnNo(), VdUtil::VdConfig::GetInstance().GetStnId());
-}
+TEST(StnEventHeaderDefaults, HasTheStationOfTheHost) { EXPECT_EQ(TStnEventHeader().GetStnNo(), 4u); }
 
 TEST(StnEventHeaderDefaults, IsUnclassifiedAndOfUnknownType) {
   const TStnEventHeader header;
@@ -341,8 +323,18 @@ TEST(StnEventHeader, KeepsTheValuesOfEachMirrorApart) {
 
 TEST(StnEventHeader, ReadsMirrorsThatAreNotPresent) {
   TStnEventHeader header;
-  header.SetDeadTimeCounter(9, 2);
-  EXPECT_EQ(header.GetDeadTimeCounter(2), 9u);
+  FillMirror(header, 2);
+  Member<UInt_t[6]>(header, "fMirrorTimeOffset")[1] = 802;
+  Member<UChar_t>(header, "fMirrorDataBits") = 0;
+  Member<UChar_t>(header, "fMirrorStatus") = 0;
+  EXPECT_EQ(header.GetMirrorNSkippedTriggers(2), 102u);
+  EXPECT_EQ(header.GetMirrorEventLabel(2), 202);
+  EXPECT_EQ(header.GetMirrorDaqDeadTime(2), 302u);
+  EXPECT_EQ(header.GetDeadTimeCounter(2), 402u);
+  EXPECT_EQ(header.GetRunTimeCounter(2), 502u);
+  EXPECT_EQ(header.GetTriggerSource(2), 2);
+  EXPECT_EQ(header.GetTriggerTimeStamp(2), 602u);
+  EXPECT_EQ(header.GetMirrorTimeOffset(2), 802u);
 }
 
 TEST(StnEventHeader, HoldsCountersOfMoreThan32Bits) {
@@ -625,12 +617,48 @@ TEST(StnEventHeaderClass, IsMadeByName) {
   EXPECT_NE(dynamic_cast<TStnEventHeader*>(object.get()), nullptr);
 }
 
+TEST(StnEventHeaderClass, HasItsMembersInOrder) {
+  std::vector<std::string> names;
+  for (const auto& [name, comment] : DescribedMembers(TStnEventHeader::Class()))
+    if (name[0] == 'f') names.push_back(name);  // else it is a constant
+  EXPECT_THAT(names, ElementsAreArray({"fStreamerVersion",
+                                       "fEventNumber",
+                                       "fStnNumber",
+                                       "fEventClass",
+                                       "fEventType",
+                                       "fMirrorDataBits",
+                                       "fMirrorStatus",
+                                       "fRunNo",
+                                       "fTriggerSource",
+                                       "fStatusBits",
+                                       "fTimeStamp",
+                                       "fSecStartOffset",
+                                       "fSecEndOffset",
+                                       "fTicksPerSecond",
+                                       "fPPSPhase",
+                                       "fTimeCorrectionQuality",
+                                       "fT10Mhz",
+                                       "fOffset",
+                                       "fMirrorTimeOffset",
+                                       "fRawMirrorTime",
+                                       "fTriggerTimeStamp",
+                                       "fDeadTimeCounter",
+                                       "fVetoTimeCounter",
+                                       "fRunTimeCounter",
+                                       "fStnDaqDeadTime",
+                                       "fMirrorDaqDeadTime",
+                                       "fMirrorNSkippedTriggers",
+                                       "fMirrorEventLabel",
+                                       "fT3Id",
+                                       "fT3TimeAtGround",
+                                       "fNRejectedT3",
+                                       "fTotalT3DeadTime"}));
+}
+
 TEST(StnEventHeaderClass, HasItsTransientMembers) {
   std::vector<std::string> members;
-  for (auto* object : *TStnEventHeader::Class()->GetListOfDataMembers()) {
-    auto* member = static_cast<TDataMember*>(object);
-    if (member->GetTitle()[0] == '!') members.push_back(std::string(member->GetName()) + " " + member->GetTitle());
-  }
+  for (const auto& [name, comment] : DescribedMembers(TStnEventHeader::Class()))
+    if (comment[0] == '!') members.push_back(name + " " + comment);
   EXPECT_THAT(members,
               ElementsAre("fStreamerVersion ! version read from file", "fSecStartOffset ! Shift of second start",
                           "fSecEndOffset ! Shift of second end", "fTicksPerSecond ! 80 MHz ticks per second",

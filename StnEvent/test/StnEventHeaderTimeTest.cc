@@ -1,7 +1,9 @@
 #include <StnEvent/StnEventHeader.h>
 
+#include "Members.h"
+#include "PrintLevel.h"
+
 #include <MrEvent/FadcData.h>
-#include <StnEvent/StnEvent.h>
 #include <VdUtil/VdNumbering.h>
 
 #include <LogCapture.h>
@@ -22,16 +24,6 @@ constexpr const char* kNoRawParameters =
     "WRN:TStnEventHeader::IsTimeCorrectionSet() - raw time correction parameters are set to defaults !\n";
 constexpr const char* kNotPossible =
     "WRN:TStnEventHeader::DoTimeCorrection() - excact time calculation is not possible !\n";
-
-/// Sets the print level for its own life.
-class PrintLevel {
- public:
-  explicit PrintLevel(UInt_t level) : fBefore(TStnEvent::fgPrintLevel) { TStnEvent::fgPrintLevel = level; }
-  ~PrintLevel() { TStnEvent::fgPrintLevel = fBefore; }
-
- private:
-  UInt_t fBefore;
-};
 
 struct GPSTime {
   UInt_t fSec;
@@ -274,6 +266,27 @@ TEST(TimeCorrectionSet, IsFalseAtExactly50) { EXPECT_FALSE(MakeHeader(50.0f, 0).
 
 TEST(TimeCorrectionSet, IsTrueAt150) { EXPECT_TRUE(MakeHeader(150.0f, 0).IsTimeCorrectionSet()); }
 
+TEST(TimeCorrectionSet, IsFalseJustAbove150) {
+  TStnEventHeader header;
+  Member<Float_t>(header, "fT10Mhz") = std::nextafter(150.0f, 151.0f);  // as a file can hold it
+  EXPECT_FALSE(header.IsTimeCorrectionSet());
+}
+
+TEST(TimeCorrectionSet, TakesTheMeasurementAbove150) {
+  TStnEventHeader header;
+  header.SetTimeCorrectionParameters(0, 0, 80000000, 1);
+  Member<Float_t>(header, "fT10Mhz") = std::nextafter(150.0f, 151.0f);
+  EXPECT_TRUE(header.IsTimeCorrectionSet());
+  EXPECT_EQ(GetParameters(header), (Parameters{100.0f, 1.0f}));
+}
+
+TEST(TimeCorrectionSet, HasNoUpperLimitForAMeasurement) {
+  TStnEventHeader header;
+  Member<UInt_t>(header, "fTicksPerSecond") = 40000000;
+  EXPECT_TRUE(header.IsTimeCorrectionSet());
+  EXPECT_EQ(GetParameters(header), (Parameters{200.0f, 0.0f}));
+}
+
 TEST(TimeCorrectionSet, IsFalseForWhatIsNoNumber) {
   PrintLevel level(1);
   LogCapture log;
@@ -349,6 +362,13 @@ TEST(TimeCorrection, CutsFractions) {
   EXPECT_EQ(Correct(header, 1000, -500), (GPSTime{999, 999999500}));
 }
 
+TEST(TimeCorrection, MultipliesBeforeItDivides) {
+  // 29 / 100 * 100 and 200 * (100.5 / 100) are a little less than they should be.
+  TStnEventHeader nominal = MakeHeader(100.0f, 0.0f), slow = MakeHeader(100.5f, 0.0f);
+  EXPECT_EQ(Correct(nominal, 1000, 29), (GPSTime{1000, 29}));
+  EXPECT_EQ(Correct(slow, 1000, 200), (GPSTime{1000, 201}));
+}
+
 TEST(TimeCorrection, FoldsNegativeResults) {
   TStnEventHeader header = MakeHeader(100.0f, 0.0f);
   EXPECT_EQ(Correct(header, 1000, -100), (GPSTime{999, 999999900}));
@@ -367,6 +387,20 @@ TEST(TimeCorrection, DoesNotFoldTheEndOfTheSecond) {
 TEST(TimeCorrection, FoldsOneSecondOnly) {
   TStnEventHeader header = MakeHeader(150.0f, 0.0f);
   EXPECT_EQ(Correct(header, 1000, -1000000000), (GPSTime{999, UInt_t(-500000000)}));
+}
+
+TEST(TimeCorrection, KeepsTheLow32BitsOfALargeResult) {
+  TStnEventHeader header = MakeHeader(100.0f, 0.0f);
+  Member<Float_t>(header, "fOffset") = 4294968320.0f;  // 2^32 + 1024, as a file can hold it
+  EXPECT_EQ(Correct(header, 1000, 5), (GPSTime{1000, 1029}));
+}
+
+TEST(TimeCorrection, Gives0NanosecondsForWhat64BitsCannotHold) {
+  TStnEventHeader header = MakeHeader(100.0f, 0.0f);
+  Member<Float_t>(header, "fOffset") = 1e30f;
+  EXPECT_EQ(Correct(header, 1000, 5), (GPSTime{1000, 0}));
+  Member<Float_t>(header, "fOffset") = -1e30f;
+  EXPECT_EQ(Correct(header, 1000, 5), (GPSTime{999, 0}));
 }
 
 TEST(TimeCorrection, Gives0NanosecondsForWhatIsNoNumber) {
@@ -503,6 +537,15 @@ TEST(AdjustMirrorTimes, FoldsAMirrorOfTheNextSecond) {
   AddMirror(header, 2, 1001, 100);
   header.AdjustMirrorTimes();
   EXPECT_EQ(header.GetMirrorTimeOffset(2), 200u);
+}
+
+TEST(AdjustMirrorTimes, DoesNotFoldBackWhenTheEventTimeIsCarriedOver) {
+  TStnEventHeader header = MakeHeader(100.0f, 50.0f);
+  AddMirror(header, 1, 1000, 999999980);
+  AddMirror(header, 2, 1000, 999999990);
+  header.AdjustMirrorTimes();
+  EXPECT_EQ(GetTime(header), (GPSTime{1001, 30}));
+  EXPECT_EQ(header.GetMirrorTimeOffset(2), 1000000010u);
 }
 
 TEST(AdjustMirrorTimes, FoldsOneSecondOnly) {
