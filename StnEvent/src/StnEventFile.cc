@@ -29,11 +29,11 @@
 
 #include <VdUtil/Assertions.h>
 
-ClassImp(TStnEventFile)
+ClassImp(TStnEventFile);
 
-    /// Closes the files open for writing when a signal comes, and lets the signal then have its usual effect. Nothing
-    /// installs it: whoever does decides which signals may end the process in this way.
-    class TStnEventFileSignalHandler : public TSignalHandler {
+/// Closes the files open for writing when a signal comes, and lets the signal then have its usual effect. Nothing
+/// installs it: whoever does decides which signals may end the process in this way.
+class TStnEventFileSignalHandler : public TSignalHandler {
  public:
   TStnEventFileSignalHandler(ESignals sig);
   ~TStnEventFileSignalHandler() override;
@@ -181,8 +181,7 @@ UInt_t TStnEventFile::GetNEvents() {
 template <class T>
 T* TStnEventFile::GetWhole(const char* name) {
   const TKey* key = GetKey(name);
-  const Long64_t size = GetSize();
-  const bool is_cut = key && size >= 0 && key->GetSeekKey() + key->GetNbytes() > size;
+  const bool is_cut = key && key->GetSeekKey() + key->GetNbytes() > GetSize();
   return is_cut ? nullptr : Get<T>(name);
 }
 

@@ -112,9 +112,9 @@ class TStnEventFile : public TFile {
   /// Registers `ExitHandler` with `atexit`, once per process.
   void Setup();
 
-  static std::list<TStnEventFile*> fgFileList;                        //! files open for writing; null when deleted
-  static int fgPrintLevel;                                            //! print level of this class
-  static std::list<TStnEventFileSignalHandler*> fgSignalHandlerList;  //! signal handlers to remove at exit
+  static std::list<TStnEventFile*> fgFileList;  // files open for writing
+  static int fgPrintLevel;  // print level of this class, starts at 0; independent of TStnEvent::fgPrintLevel
+  static std::list<TStnEventFileSignalHandler*> fgSignalHandlerList;  // signal handlers to remove at exit
 
  private:
   friend class TStnEventFileSignalHandler;

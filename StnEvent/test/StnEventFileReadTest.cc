@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <memory>
@@ -90,8 +91,8 @@ TEST_F(StnEventFileReadTest, ReportsAMissingTreeAndLeavesTheEvent) {
 TEST_F(StnEventFileReadTest, LooksForAMissingTreeAgain) {
   OpenFile file("late.root", "RECREATE");
   EXPECT_FALSE(file.ReadEvent(&fAddress));
+  EXPECT_EQ(fLog.Take(), kNoTree);
   TTree tree("StnEventTree", "");
-  fLog.Take();
   EXPECT_FALSE(file.ReadEvent(&fAddress));
   EXPECT_EQ(fLog.Take(), kNoBranch);
 }
@@ -130,6 +131,7 @@ TEST_F(StnEventFileReadTest, ReportsAMissingHeaderBranchAndLeavesTheEvent) {
   EXPECT_FALSE(file.ReadEvent(&fAddress));
   EXPECT_EQ(fLog.Take(), kNoHeaderBranch);
   EXPECT_TRUE(IsEvent(fEvent, 1));
+  EXPECT_EQ(Member<TBranch*>(file, "fBranch")->GetAddress(), reinterpret_cast<char*>(&fAddress));
   EXPECT_FALSE(file.ReadEventHeader(&fHeader));
   EXPECT_EQ(fLog.Take(), kNoHeaderBranch);
 }
@@ -213,6 +215,26 @@ TEST_F(StnEventFileReadTest, RaisesTheDebugLevelDuringAReadAboveLevel3) {
     EXPECT_EQ(testing::internal::GetCapturedStdout() != "", level == 4);
     EXPECT_EQ(gDebug, 0);
   }
+}
+
+TEST_F(StnEventFileReadTest, PutsTheDebugLevelBackAfterARead) {
+  FilePrintLevel level(4);
+  testing::internal::CaptureStdout();
+  gDebug = -1;
+  EXPECT_TRUE(fFile.ReadEvent(&fAddress));
+  EXPECT_EQ(gDebug, -1);
+  EXPECT_FALSE(fFile.ReadEvent(&fAddress, 4));
+  EXPECT_EQ(gDebug, -1);
+  gDebug = 0;
+  testing::internal::GetCapturedStdout();
+}
+
+TEST_F(StnEventFileReadTest, LeavesTheDebugLevelWhenReadingHeaders) {
+  fFile.ReadEventHeader(&fHeader);
+  FilePrintLevel level(4);
+  testing::internal::CaptureStdout();
+  fFile.ReadEventHeader(&fHeader);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
 TEST_F(StnEventFileReadTest, CorrectsEventsButNotHeaders) {
@@ -431,6 +453,40 @@ TEST_F(StnEventFileReadTest, ReportsMissingRecordsAndDeletesTheObjectsBefore) {
   EXPECT_TRUE(is_header_dead && is_trailer_dead);
   EXPECT_EQ(header, nullptr);
   EXPECT_EQ(trailer, nullptr);
+}
+
+TEST_F(StnEventFileReadTest, FindsNothingOnAClosedFile) {
+  fFile.GetNEvents();
+  fFile.Close();
+  QuietRoot quiet;
+  TStnRunHeader* header = nullptr;
+  TStnRunTrailer* trailer = nullptr;
+  EXPECT_FALSE(fFile.ReadEvent(&fAddress));
+  EXPECT_FALSE(fFile.ReadEventHeader(&fHeader));
+  EXPECT_FALSE(fFile.ReadRunHeader(&header));
+  EXPECT_FALSE(fFile.ReadRunTrailer(&trailer));
+  EXPECT_EQ(fLog.Take(),
+            std::string(kNoTree) + kNoTree +
+                "ERR:TStnEventFile::ReadRunHeader() - reading 'RunHeader' from file was unsuccessful !\n"
+                "ERR:TStnEventFile::ReadRunTrailer() - reading 'RunTrailer' from file was unsuccessful !\n");
+}
+
+TEST_F(StnEventFileReadTest, TakesNoRecordThatGoesOnBeyondTheEndOfTheFile) {
+  Long64_t end_of_record = 0;
+  {
+    OpenFile file("records.root", "RECREATE");
+    TStnRunTrailer trailer;
+    file.WriteRunTrailer(&trailer);
+    end_of_record = file.GetEND();
+  }
+  QuietRoot quiet;
+  for (const bool is_whole : {true, false}) {
+    std::filesystem::resize_file("records.root", is_whole ? end_of_record : end_of_record - 1);
+    OpenFile file("records.root");
+    TStnRunTrailer* trailer = nullptr;
+    EXPECT_EQ(file.ReadRunTrailer(&trailer), is_whole);
+    delete trailer;
+  }
 }
 
 TEST_F(StnEventFileReadTest, TakesNoRecordOfAnotherClass) {

@@ -20,6 +20,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 
 const char* const kNoTree = "ERR:TStnEventFile::GetTree() - no Tree with name 'StnEventTree' found !\n";
 
@@ -134,17 +135,26 @@ TEST_F(StnEventFileTest, NullOptionEndsTheProcess) {
   EXPECT_DEATH(
       {
         gSystem->ResetSignals();
+        TStnEventFile::SetPrintLevel(2);
+        VdUtil::ErrorLogger::GetInstance().SetStream(&std::clog);
         OpenFile file(kName, nullptr);
       },
-      "Assertion `option != __null' failed");
+      "INF:StnEventFile::TStnEventFile\\('file.root'\\) - 0x[0-9a-f]+\n.*Assertion `option != __null' failed");
 }
 
-TEST_F(StnEventFileTest, FieldsStandInTheirOrder) {
-  std::vector<std::string> names;
-  for (const TObject* member : *TStnEventFile::Class()->GetListOfDataMembers())
-    if (std::strncmp(member->GetName(), "fg", 2) != 0) names.emplace_back(member->GetName());
-  EXPECT_THAT(names, ElementsAre("fBranch", "fCurrentEntry", "fPartialEvent", "fEventBuffer", "fNEntries", "fTree",
-                                 "fEventHeaderBranch"));
+TEST_F(StnEventFileTest, MembersAreDescribedInTheirOrder) {
+  EXPECT_THAT(
+      DescribedMembers(TStnEventFile::Class()),
+      ElementsAre(
+          Pair("fgFileList", "files open for writing"),
+          Pair("fgPrintLevel", "print level of this class, starts at 0; independent of TStnEvent::fgPrintLevel"),
+          Pair("fgSignalHandlerList", "signal handlers to remove at exit"),
+          Pair("fBranch", "event branch in split level=1"),
+          Pair("fCurrentEntry", "current entry id on file (read mode): the entry that the next read takes"),
+          Pair("fPartialEvent", "buffer for partial readout"),
+          Pair("fEventBuffer", "backup pointer for branch: the event object seen at the first write"),
+          Pair("fNEntries", "number of entries/events in tree, as of GetTree"), Pair("fTree", "event data tree"),
+          Pair("fEventHeaderBranch", "the \"fEventHeader\" sub-branch")));
 }
 
 TEST_F(StnEventFileTest, NewFileIsUnbound) {
@@ -201,6 +211,38 @@ TEST_F(StnEventFileTest, CloseWritesTheTree) {
   base->Close();
   EXPECT_FALSE(file->IsOpen());
   EXPECT_EQ(CountWholeEvents(kName), 1u);
+}
+
+TEST_F(StnEventFileTest, CloseWritesTheTreeInPlaceOfTheOneSavedBefore) {
+  {
+    OpenFile file(kName, "RECREATE");
+    TStnEvent event;
+    TStnEvent* address = &event;
+    file.WriteEvent(&address);
+    Member<TTree*>(file, "fTree")->Write();
+  }
+  EXPECT_EQ(TFile(kName).GetNkeys(), 1);
+}
+
+// With "nodelete" ROOT leaves the objects of the file's directory alone.
+TEST_F(StnEventFileTest, CloseOfAWrittenFileTakesTheOptionsOfRoot) {
+  OpenFile file(kName, "RECREATE");
+  file.fBytesRead = 0;
+  auto named = new TNamed("named", "");
+  file.Append(named);
+  file.Close("nodelete");
+  EXPECT_FALSE(file.IsOpen());
+  EXPECT_EQ(file.GetList()->First(), named);
+}
+
+TEST_F(StnEventFileTest, CloseOfAReadFileTakesTheOptionsOfRoot) {
+  WriteFile(kName, 1);
+  OpenFile file(kName);
+  auto named = new TNamed("named", "");
+  file.Append(named);
+  file.Close("nodelete");
+  EXPECT_FALSE(file.IsOpen());
+  EXPECT_EQ(file.GetList()->First(), named);
 }
 
 TEST_F(StnEventFileTest, CloseOfAnUntouchedFileLeavesItOpen) {
@@ -521,6 +563,17 @@ TEST_F(StnEventFileTest, PrintLevelIsItsOwnAnd1ByDefault) {
   EXPECT_EQ(OpenFile::fgPrintLevel, 1);
   EXPECT_EQ(TStnEvent::fgPrintLevel, 0u);
   TStnEventFile::SetPrintLevel(0);
+}
+
+struct MergedFile : TStnEventFile {
+  void ResetAfterMerge(TFileMergeInfo*) override { fIsReset = true; }
+  bool fIsReset = false;
+};
+
+TEST_F(StnEventFileTest, MergingResetsTheFileItself) {
+  MergedFile file;
+  TStnEventFile::Class()->GetResetAfterMerge()(static_cast<TStnEventFile*>(&file), nullptr);
+  EXPECT_TRUE(file.fIsReset);
 }
 
 TEST_F(StnEventFileTest, StreamerIsTheOneOfTheBaseClass) {

@@ -278,6 +278,19 @@ TEST_F(StnEventFileWriteTest, InterruptsActAsUsualAfterAFill) {
       testing::KilledBySignal(SIGINT), "");
 }
 
+TEST_F(StnEventFileWriteTest, EndsAnIgnoringOfInterruptsFromBefore) {
+  EXPECT_EXIT(
+      {
+        signal(SIGINT, SIG_DFL);
+        gSystem->ResetSignals();
+        gSystem->IgnoreSignal(kSigInterrupt, kTRUE);
+        OpenFile file(kName, "RECREATE");
+        file.WriteEvent(&fAddress);
+        raise(SIGINT);
+      },
+      testing::KilledBySignal(SIGINT), "");
+}
+
 TEST_F(StnEventFileWriteTest, StaysInItsFileWhateverTheTreeSizeLimitIs) {
   const Long64_t limit = TTree::GetMaxTreeSize();
   {
@@ -387,6 +400,21 @@ TEST_F(StnEventFileWriteTest, AppendsFromTheEventThatWasRead) {
   Member<TTree*>(file, "fTree")->GetEntry(3);
   TStnEvent::DoCorrections(&fEvent);
   EXPECT_TRUE(IsEvent(fEvent, 0));
+}
+
+TEST_F(StnEventFileWriteTest, AppendsTheEventThatHeadersAreReadInto) {
+  WriteFile(kName, 3);
+  {
+    OpenFile file(kName, "UPDATE");
+    TStnEventHeader* header = nullptr;
+    file.Seek(2);
+    ASSERT_TRUE(file.ReadEventHeader(&header));
+    header->SetEventNo(70);
+    EXPECT_TRUE(file.WriteEvent(&fAddress));
+    TStnRunTrailer trailer;
+    file.WriteRunTrailer(&trailer);
+  }
+  EXPECT_EQ(ReadNumbers(), (std::vector<UInt_t>{0, 1, 2, 70}));
 }
 
 TEST_F(StnEventFileWriteTest, ClosingAnUpdatedFileLosesEntriesIfNothingReachedTheDisk) {
@@ -505,6 +533,24 @@ TEST_F(StnEventFileWriteTest, DoesNotLookAtTheResultOfAWrite) {
         setrlimit(RLIMIT_FSIZE, &limit);
         const bool is_written = file.WriteRunHeader(&header);
         _exit(is_written && file.TestBit(TFile::kWriteError) ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+TEST_F(StnEventFileWriteTest, DoesNotLookAtTheResultOfAFill) {
+  EXPECT_EXIT(
+      {
+        gSystem->ResetSignals();
+        gErrorIgnoreLevel = kFatal;
+        signal(SIGXFSZ, SIG_IGN);
+        OpenFile file(kName, "RECREATE");
+        bool is_written = file.WriteEvent(&fAddress);
+        rlimit limit;
+        limit.rlim_cur = limit.rlim_max = 1;
+        setrlimit(RLIMIT_FSIZE, &limit);
+        while (is_written && !file.TestBit(TFile::kWriteError))
+          is_written = file.WriteEvent(&fAddress);
+        _exit(is_written ? 0 : 1);
       },
       testing::ExitedWithCode(0), "");
 }
