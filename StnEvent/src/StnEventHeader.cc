@@ -10,6 +10,7 @@
 
 #include <TBuffer.h>
 #include <TClass.h>
+#include <TDataType.h>
 #include <TObjArray.h>
 #include <TStreamerElement.h>
 #include <TString.h>
@@ -233,7 +234,10 @@ Int_t GetSizeOnFile(const TStreamerElement& element) {
     return std::max(element.GetArrayLength(), 1) * (kMinFrameSize + kTimeStampSize);
   const Int_t type = element.GetType() % Info::kOffsetL;  // of one number, also in an array
   const bool is_packed = type == Info::kCharStar || type == Info::kDouble32 || type == Info::kFloat16;
-  return element.IsA() == TStreamerBasicType::Class() && !is_packed ? element.GetSize() : 0;
+  if (element.IsA() != TStreamerBasicType::Class() || is_packed) return 0;
+  // Not the element's own size: once a record was read, that is the size of today's type.
+  const TDataType* const number = TDataType::GetDataType(static_cast<EDataType>(type));
+  return number ? std::max(element.GetArrayLength(), 1) * number->Size() : 0;
 }
 
 /// Bytes that a record takes at least behind its frame, by the description of its version; 0 if there is none.
