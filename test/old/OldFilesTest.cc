@@ -46,6 +46,8 @@ struct OldFile {
   Rule GetRule() const { return Rule(fChanges); }
 };
 
+std::ostream& operator<<(std::ostream& stream, const OldFile& file) { return stream << file.fName; }
+
 const OldFile kFiles[] = {
     {"header-4", 4, 2, 1, 2, 2, {}},
     {"header-5", 5, 2, 2, 2, 2, {}},
@@ -312,6 +314,8 @@ struct Source {
   const char* fName;
   const char* fFolder;
 };
+std::ostream& operator<<(std::ostream& stream, const Source& source) { return stream << source.fName; }
+
 const Source kSources[] = {{"fresh", OLD_FILES}, {"golden", OLD_GOLDEN_FILES}};
 
 class OldFilesTest : public testing::TestWithParam<std::tuple<OldFile, Source, int>> {
