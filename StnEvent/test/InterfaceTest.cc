@@ -1,6 +1,7 @@
 #include <MrEvent/MrEvent.h>
 #include <MrEvent/MrRunTrailer.h>
 #include <StnEvent/StnEvent.h>
+#include <StnEvent/StnEventFile.h>
 #include <StnEvent/StnRunHeader.h>
 #include <StnEvent/StnRunTrailer.h>
 
@@ -260,6 +261,29 @@ const InterfaceRow kInterfaces[] = {
       "UInt_t GetNumberOfRejectedT3() const",
       "void SetTotalT3DeadTime(Float_t dead_time)",
       "Float_t GetTotalT3DeadTime() const"}},
+    {TStnEventFile::Class,
+     {"TStnEventFile()",
+      "TStnEventFile(const char* fname, Option_t* option = \"\", const char* ftitle = \"\", Int_t compress = 1)",
+      "virtual ~TStnEventFile()",
+      "virtual void Close(Option_t* option = \"\")",
+      "UInt_t GetCurrentEntryId() const",
+      "UInt_t GetNEvents()",
+      "Bool_t ReadEvent(TStnEvent** event)",
+      "Bool_t ReadEvent(TStnEvent** event, unsigned int pos)",
+      "Bool_t ReadEventHeader(TStnEventHeader** header)",
+      "Bool_t ReadRunHeader(TStnRunHeader** header)",
+      "Bool_t ReadRunTrailer(TStnRunTrailer** trailer)",
+      "void Rewind()",
+      "void Seek(unsigned int pos)",
+      "static void SetPrintLevel(int level = 1)",
+      "void Show(ostream& str = std::cout)",
+      "Bool_t WriteEvent(TStnEvent** event)",
+      "Bool_t WriteRunHeader(TStnRunHeader* header)",
+      "Bool_t WriteRunTrailer(TStnRunTrailer* trailer)",
+      "protected static void ExitHandler()",
+      "protected Bool_t GetBranches(TStnEvent** event)",
+      "protected Bool_t GetTree()",
+      "protected void Setup()"}},
     {TMirrorEvent::Class,
      {"TMirrorEvent()", "TMirrorEvent(const TMirrorEvent& rhs)", "TMirrorEvent& operator=(const TMirrorEvent& rhs)",
       "virtual ~TMirrorEvent()", "virtual TMirrorEventHeader* GetEventHeader()",
@@ -404,6 +428,19 @@ TEST_P(InterfaceTest, HasItsOperations) {
     if (!(method.Property() & kIsPrivate)) operations.push_back(Describe(method));
   }
   EXPECT_THAT(operations, testing::ElementsAreArray(GetParam().fOperations));
+}
+
+TEST_P(InterfaceTest, HasTheOperationsOfEveryClass) {
+  std::vector<std::string> operations;
+  for (TObject* object : *GetParam().fClass()->GetListOfMethods())
+    operations.push_back(Describe(*static_cast<TMethod*>(object)));
+  EXPECT_THAT(operations,
+              testing::IsSupersetOf(
+                  {"static TClass* Class()", "static const char* Class_Name()", "static Version_t Class_Version()",
+                   "static TClass* Dictionary()", "virtual TClass* IsA() const",
+                   "virtual void ShowMembers(TMemberInspector& insp) const", "virtual void Streamer(TBuffer&)",
+                   "void StreamerNVirtual(TBuffer& ClassDef_StreamerNVirtual_b)", "static const char* DeclFileName()",
+                   "static int DeclFileLine()", "static const char* ImplFileName()", "static int ImplFileLine()"}));
 }
 
 }  // namespace

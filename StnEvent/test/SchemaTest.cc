@@ -295,6 +295,11 @@ TEST(RunTrailerSchemaTest, EveryFieldComesBack) {
     written.SetMirrorNSkippedTriggers(20 + mirror, mirror);
   }
   written.SetNEvents(1);
+  written.SetVetoTimeCounter(0x300000000ULL);
+  written.SetStnDaqDeadTime(0x400000000ULL);
+  written.SetNumberOfT3(30);
+  written.SetNumberOfRejectedT3(31);
+  written.SetTotalT3DeadTime(0.5);
   written.SetStartTime(VdRoot::TTimeStamp(100, 1));
   written.SetStopTime(VdRoot::TTimeStamp(200, 2));
   written.SetTotalTime(0);
@@ -305,11 +310,18 @@ TEST(RunTrailerSchemaTest, EveryFieldComesBack) {
   TStnEventFile file("trailer.root");
   TStnRunTrailer* read = nullptr;
   ASSERT_TRUE(file.ReadRunTrailer(&read));
-  std::ostringstream expected;
-  written.Show(expected);
-  std::ostringstream shown;
-  read->Show(shown);
-  EXPECT_EQ(shown.str(), expected.str());
+  EXPECT_EQ(read->GetMirrorStatus(), 0x3fu);
+  EXPECT_EQ(read->GetNEvents(), 1u);
+  EXPECT_EQ(read->GetVetoTimeCounter(), 0x300000000ULL);
+  EXPECT_EQ(read->GetStnDaqDeadTime(), 0x400000000ULL);
+  EXPECT_EQ(read->GetNumberOfT3(), 30u);
+  EXPECT_EQ(read->GetNumberOfRejectedT3(), 31u);
+  EXPECT_EQ(read->GetTotalT3DeadTime(), 0.5f);
+  EXPECT_EQ(read->GetStartTime().GetSec(), 100);
+  EXPECT_EQ(read->GetStartTime().GetNanoSec(), 1);
+  EXPECT_EQ(read->GetStopTime().GetSec(), 200);
+  EXPECT_EQ(read->GetStopTime().GetNanoSec(), 2);
+  EXPECT_EQ(read->GetTotalTime(), 100u);
   for (UInt_t mirror = 1; mirror <= 6; ++mirror) {
     EXPECT_EQ(read->GetDeadTimeCounter(mirror), 0x100000000ULL + mirror);
     EXPECT_EQ(read->GetLifeTimeCounter(mirror), 10 + mirror);
@@ -337,6 +349,7 @@ TEST(ChecksumTest, LayoutsChangeOnlyWithTheVersion) {
       {"TStnTriggerData", 1, 0xf6d77d2b},
       {"TStnT3Data", 3, 0x8105443d},
       {"TStnEvent", 5, 0x31bdeaee},
+      {"TStnEventFile", 0, 0x30db12cc},
       {"VdRoot::TTimeStamp", 1, 0xb38f6d4e},
       {"TMirrorEventHeader", 1, 0xf874f115},
       {"TMirrorPixelData", 1, 0x9122fbd3},
