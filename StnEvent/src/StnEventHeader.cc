@@ -245,7 +245,7 @@ Int_t GetMinSize(Version_t version) {
   TClass* const header = TStnEventHeader::Class();
   header->GetStreamerInfo();  // makes today's, should nothing have asked for it yet
   const TObjArray* const infos = header->GetStreamerInfos();
-  if (version >= infos->LowerBound() + infos->GetSize() || !infos->At(version)) return 0;
+  if (version >= infos->GetSize() || !infos->At(version)) return 0;
   Int_t size = 0;
   for (const TObject* element : *static_cast<const TVirtualStreamerInfo*>(infos->At(version))->GetElements())
     size += GetSizeOnFile(*static_cast<const TStreamerElement*>(element));

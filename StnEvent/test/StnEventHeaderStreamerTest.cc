@@ -286,6 +286,18 @@ TEST(StnEventHeaderVersion10, IsNotReadFromARecordThatIsTooShort) {
   }
 }
 
+TEST(StnEventHeaderVersion10DeathTest, IsNotReadFromAShortRecordThatIsTheFirstOfAProcess) {
+  // In a process of its own ROOT has not described the class yet.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        TStnEventHeader header;
+        Read(header, Frame(10, "abc"));
+        _exit(0);
+      },
+      ::testing::ExitedWithCode(0), "ERR:TStnEventHeader::Streamer\\(\\) - fields: found 3 bytes, expected 429 !\n");
+}
+
 TEST(StnEventHeaderVersion10, IsNotReadFromARecordShorterThanItsVersion) {
   LogCapture log;
   TStnEventHeader header;
@@ -338,11 +350,11 @@ TEST_P(StnEventHeaderUnknownVersion, IsLeftToRoot) {
   const std::string fresh = Write(header);
   EXPECT_EQ(Read(header, Frame(GetParam(), "abc") + "more"), 9);
   EXPECT_EQ(log.Take(), "");
-  EXPECT_THAT(root.Get(), ::testing::Not(IsEmpty()));
+  EXPECT_THAT(root.Get(), ElementsAre(::testing::HasSubstr("object skipped"), ::testing::HasSubstr("too few bytes")));
   EXPECT_EQ(Write(header), fresh);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, StnEventHeaderUnknownVersion, ::testing::Values(9, 11, 20, 21, 22, 23, 32767));
+INSTANTIATE_TEST_SUITE_P(All, StnEventHeaderUnknownVersion, ::testing::Values(9, 11, 100, 32767));
 
 TEST(StnEventHeaderFrame, IsNotReadFromACutBuffer) {
   for (Int_t size = 0; size < 6; ++size) {
