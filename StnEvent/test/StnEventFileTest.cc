@@ -3,7 +3,6 @@
 
 #include <TBranch.h>
 #include <TClass.h>
-#include <TKey.h>
 #include <TList.h>
 #include <TNamed.h>
 #include <TTree.h>
@@ -11,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <type_traits>
