@@ -146,6 +146,22 @@ TEST(StnEventHeaderShow, PrintsAZeroRawTimeAs0) {
             "---------------------------------\n");
 }
 
+TEST(StnEventHeaderShow, PrintsOptionalLinesFromOneOn) {
+  TStnEventHeader header = MakeHeader(1);
+  header.SetMirrorDataPresent(2);
+  header.SetStnDaqDeadTime(1);
+  header.SetMirrorDaqDeadTime(1, 2);
+  header.SetMirrorNSkippedTriggers(1, 2);
+  header.SetNRejectedT3(1);
+  const std::string text = Show(header);
+  EXPECT_EQ(Lines(text, 14, 14), " Stn DAQ Dead time :                    1 [* 100 ns]\n");
+  EXPECT_EQ(Lines(text, 22, 25),
+            " DaqDead time[2] :                    1 [* 100 ns]\n"
+            " Skpd triggers[2]: 1\n"
+            " T3 rejected totally: 1 accumulated T3-CKAS dead time: 0 [s]\n"
+            "---------------------------------\n");
+}
+
 class StnEventHeaderShowOfStation : public ::testing::TestWithParam<UInt_t> {};
 
 TEST_P(StnEventHeaderShowOfStation, NeverMentionsMirrors4To6) {
