@@ -1,0 +1,283 @@
+"""Property tests: the library and the oracle go through the same random commands and have to give the same answers.
+
+ORACLE_DRIVER names the driver program. ORACLE_EXAMPLES is the number of examples of each property; when it is set they are
+chosen anew in each run, otherwise they are always the same.
+"""
+import json
+import os
+import re
+import struct
+import subprocess
+
+import pytest
+from hypothesis import HealthCheck, given, settings
+from hypothesis import strategies as st
+
+import oracle
+
+FLOATS = [name for name, kind, *_ in oracle.FIELDS if kind == "f"]
+EXAMPLES = os.environ.get("ORACLE_EXAMPLES")
+
+
+def examples(number):
+    return settings(max_examples=int(EXAMPLES or number), derandomize=not EXAMPLES, deadline=None, database=None,
+                    suppress_health_check=list(HealthCheck))
+
+
+# ---- the two of them
+
+
+class Driver:
+    def __init__(self):
+        self.process = subprocess.Popen([os.environ.get("ORACLE_DRIVER", "oracle_driver")], stdin=subprocess.PIPE,
+                                        stdout=subprocess.PIPE, text=True)
+
+    def run(self, commands):
+        self.process.stdin.write(json.dumps(commands) + "\n")
+        self.process.stdin.flush()
+        answers = self.process.stdout.readline()
+        if not answers:
+            raise AssertionError(f"the driver ended with {self.process.wait()}")
+        return [tidied(answer) for answer in json.loads(answers)]
+
+
+def tidied(answer):
+    answer["log"] = re.sub(r"(DBG:\w+/src/\w+\.cc:)\d+: ", r"\1#: ", answer["log"])
+    for name in FLOATS if answer["state"]["header"] else ():
+        bits = answer["state"]["header"][name]
+        answer["state"]["header"][name] = oracle.bits_of(oracle.float_of(bits))
+    return answer
+
+
+def differences(got, want, place="answer"):
+    """Each place where two answers differ, with what is there in each."""
+    if isinstance(got, dict) and isinstance(want, dict):
+        for key in sorted(got.keys() | want.keys()):
+            yield from differences(got.get(key), want.get(key), f"{place}.{key}")
+    elif got != want:
+        yield f"{place}: library {got!r}, oracle {want!r}"
+
+
+class Pair:
+    """A driver and the oracle of that process, begun anew when the driver has ended."""
+
+    def __init__(self):
+        self.driver = None
+
+    def start(self):
+        self.driver = Driver()
+        self.oracle = oracle.Oracle(0)
+        station = self.driver.run([{"op": "is_set"}])[0]["state"]["header"]["fStnNumber"]
+        self.oracle = oracle.Oracle(station)
+
+    def check(self, commands, level=0):
+        if not self.driver or self.driver.process.poll() is not None:
+            self.start()
+        expected, sent = [], []
+        for command in [{"op": "new", "level": level}] + commands:
+            # A list whose count is wrong ends the process.
+            if command["op"] == "walk" and self.oracle.list and not self.oracle.list.is_sound():
+                continue
+            sent.append(command)
+            expected.append(json.loads(json.dumps(self.oracle.run(command))))
+        for command, want, got in zip(sent, expected, self.driver.run(sent)):
+            found = "\n".join(differences(got, want))
+            assert not found, f"{command}\n{found}"
+        return expected
+
+
+@pytest.fixture(scope="module")
+def pair():
+    pair = Pair()
+    yield pair
+    if pair.driver:
+        pair.driver.process.stdin.close()
+        pair.driver.process.wait()
+
+
+# ---- commands
+
+u8, u16 = st.integers(0, 2**8 - 1), st.integers(0, 2**16 - 1)
+u32, u64 = st.integers(0, 2**32 - 1), st.integers(0, 2**64 - 1)
+i16, i32 = st.integers(-2**15, 2**15 - 1), st.integers(-2**31, 2**31 - 1)
+float_bits = st.one_of(st.floats(width=32).map(lambda value: oracle.bits_of(value)), st.sampled_from(
+    [struct.unpack("<I", struct.pack("<f", value))[0] for value in (0.0, 49.99, 50.0, 50.01, 99.9, 100.0, 100.1, 150.0, 150.01)])
+).map(lambda bits: 0x7FC00000 if bits == "nan" else bits)
+levels = st.sampled_from([0, 0, 1, 1, 2])
+mirror_ids = st.one_of(st.integers(1, 6), st.integers(1, 6), st.integers(0, 9), u32)
+gps_seconds = st.one_of(st.integers(1_000_000_000, 1_000_000_002), st.integers(1_000_000_000, 1_000_000_002),
+                        st.sampled_from([leap - oracle.EPOCH + n + d for n, leap in enumerate(oracle.LEAPS) for d in (-1, 0, 1)]),
+                        u32)
+nanoseconds = st.one_of(st.integers(0, 300), st.integers(0, 999_999_999), st.integers(999_999_700, 1_000_000_300), u32)
+labels = st.one_of(st.sampled_from(list(oracle.LABELS)), st.sampled_from(list(oracle.LABELS)), i32)
+classes = st.one_of(st.sampled_from(list(oracle.CLASSES)), i32)
+types = st.one_of(st.integers(0, 3), st.integers(0, 10), i32)
+
+
+def op(name, /, **arguments):
+    return st.fixed_dictionaries({"op": st.just(name), **arguments})
+
+
+def mirror_number(stn, mirror):
+    return stn << 5 | (stn - 1) * 6 + mirror
+
+
+own_mirrors = st.integers(1, 6).map(lambda mirror: mirror_number(1, mirror))
+mirrors = st.one_of(own_mirrors, own_mirrors, own_mirrors, st.builds(mirror_number, st.integers(1, 5), st.integers(1, 6)), i16)
+pixel_nos = st.one_of(st.integers(1, 8), st.integers(470, 490), st.integers(0, 511))
+pixel_words = st.one_of(pixel_nos, st.builds(lambda low, high: oracle.i32(high & ~0x1FF | low), pixel_nos, u32))
+traces = st.lists(st.fixed_dictionaries({
+    "pixel": st.one_of(st.integers(1, 8), st.integers(470, 480)), "word": pixel_words, "info": u32, "start": u32,
+    "samples": st.lists(st.tuples(st.integers(0, 1999), st.integers(1, 2**16 - 1)).map(list), max_size=3,
+                        unique_by=lambda sample: sample[0]).map(sorted)}),
+    max_size=4, unique_by=lambda trace: trace["pixel"])
+triggers = st.lists(st.tuples(st.integers(1, 480), st.integers(0, 3), st.integers(1, 2**32 - 1)).map(list), max_size=3,
+                    unique_by=lambda trigger: tuple(trigger[:2])).map(sorted)
+
+mirror_headers = {
+    "version": st.one_of(st.integers(3, 4), i16), "mirror": mirrors, "label": labels,
+    "type": st.one_of(st.integers(0, 4), u8), "source": u8, "trigger_time": u32, "sec": gps_seconds, "nsec": nanoseconds,
+    "dead": u64, "run": u64, "veto": u64, "daq": u64, "skipped": u32, "data_mirror": i16}
+full_events = st.fixed_dictionaries({**mirror_headers, "triggers": triggers, "pixels": st.lists(pixel_words, max_size=6),
+                                     "traces": traces})
+bare_events = st.fixed_dictionaries({**mirror_headers, **{name: st.just([]) for name in ("triggers", "pixels", "traces")}})
+
+add = op("add", event=full_events, force=st.booleans())
+add_bare = op("add", event=bare_events, force=st.booleans())
+level = op("level", level=levels)
+sets = op("set", name=st.sampled_from(list(oracle.SETTERS)), value=st.one_of(u64, u8), id=mirror_ids)
+gets = op("get", name=st.sampled_from(list(oracle.GETTERS) + list(oracle.BITS)), id=mirror_ids)
+verbose = op("verbose", value=st.one_of(st.integers(-2, 100), i32))
+times = st.one_of(
+    op("set_raw_time", id=mirror_ids, sec=st.one_of(gps_seconds.map(oracle.unix_of), i32), nsec=st.one_of(nanoseconds.map(oracle.i32))),
+    op("set_time", sec=gps_seconds, nsec=nanoseconds), op("set_t3_time", sec=gps_seconds, nsec=nanoseconds))
+near = st.sampled_from
+parameters = st.one_of(
+    op("measured", start=st.one_of(st.integers(-130, 130), i16), end=st.one_of(st.integers(-130, 130), i16),
+       ticks=st.one_of(near([80_000_000, 79_999_990, 80_000_010]), near([79_199_999, 79_200_000, 80_800_000, 80_800_001]), u32),
+       phase=st.one_of(st.integers(0, 102), u32)),
+    op("measured", start=st.integers(-128, 127), end=st.integers(-128, 127), ticks=st.integers(79_200_000, 80_800_000),
+       phase=st.integers(0, 100)),
+    op("derived", t10=float_bits, offset=float_bits),
+    op("derived", t10=st.floats(50, 150, width=32).map(oracle.bits_of), offset=st.floats(-128, 227, width=32).map(oracle.bits_of)))
+corrections = st.one_of(
+    op("is_set"), op("adjust"), op("correct", sec=u32, nsec=st.one_of(st.integers(-500, 500), st.integers(-100, 10**9 + 100), i32)),
+    op("bin_time", word=i32, info=u32, bin=st.one_of(st.integers(0, 4001), u32)))
+settings_by_caller = st.one_of(op("set_type", value=types), op("set_class", value=classes))
+write_header = op("write_header")
+
+
+# ---- records of old
+
+
+def stored(kind, length):
+    one = {"B": u8, "h": i16, "H": u16, "i": st.one_of(st.integers(-2, 13), i32), "I": u32, "Q": u64, "W": u64,
+           "f": float_bits.map(oracle.float_of),
+           "T": st.one_of(st.builds(oracle.stamp_of_gps, gps_seconds, nanoseconds), st.tuples(i32, i32).map(list))}[kind]
+    return st.lists(one, min_size=length, max_size=length) if length else one
+
+
+headers = st.fixed_dictionaries({"fUniqueID": u32, **{
+    name: stored(kind, length) for name, kind, length, since, _ in oracle.FIELDS if since}})
+no_counts = st.just({})
+wrong_counts = st.dictionaries(st.sampled_from(oracle.COUNTED), st.one_of(st.integers(-1, 13), i32), max_size=1)
+
+
+def read_header(version, header, counts, extra, before, cut):
+    record = oracle.encode_header(version, header, counts, extra)
+    record = record[:max(oracle.FRAME, len(record) - cut)]
+    return {"op": "read_header", "bytes": (bytes(before) + record).hex(), "offset": before}
+
+
+good_headers = st.builds(read_header, st.integers(4, 8), headers, no_counts, st.just(b""), st.integers(0, 3), st.just(0))
+odd_headers = st.builds(read_header, st.one_of(st.integers(4, 8), st.just(10), st.integers(-1, 3)), headers, no_counts,
+                        st.binary(max_size=40), st.integers(0, 3), st.just(0))
+bad_headers = st.builds(read_header, st.integers(4, 8), headers, wrong_counts, st.just(b""), st.integers(0, 3),
+                        st.one_of(st.just(0), st.integers(0, 400)))
+reads = st.one_of(good_headers, good_headers, odd_headers, bad_headers)
+
+
+def read_list(version, stn, bits, wrong, before):
+    record = oracle.encode_list(version, stn, oracle.u32(bin(bits).count("1") + wrong), bits)
+    return {"op": "read_list", "bytes": (bytes(before) + record).hex(), "offset": before}
+
+
+bit_sets = st.one_of(st.sets(st.integers(0, 2879), max_size=6).map(lambda places: sum(1 << place for place in places)),
+                     st.sets(st.integers(0, 20), max_size=6).map(lambda places: sum(1 << place for place in places)),
+                     st.integers(0, 2**2880 - 1))
+list_reads = st.builds(read_list, st.sampled_from([-1, 0, 1, 2, 2, 4, 4]), st.integers(0, 6), bit_sets,
+                       st.one_of(st.just(0), st.just(0), st.integers(-1, 2)), st.integers(0, 3))
+walk = op("walk")
+
+anything = st.one_of(add, add_bare, level, sets, gets, verbose, times, parameters, corrections, settings_by_caller,
+                     write_header, reads, list_reads, walk)
+
+
+def several(*strategies, most=8):
+    return st.lists(st.one_of(*strategies), min_size=1, max_size=most)
+
+
+# ---- properties
+
+
+@examples(150)
+@given(several(add, add, add, settings_by_caller, walk), levels)
+def test_merging(pair, commands, level):
+    pair.check(commands, level)
+
+
+@examples(100)
+@given(several(add_bare, settings_by_caller, level, most=12), levels)
+def test_values_classes_and_times_of_mirrors_without_pixels(pair, commands, level):
+    pair.check(commands, level)
+
+
+def test_every_class_with_every_label(pair):
+    event = {name: 0 for name in mirror_headers}
+    event.update(mirror=mirror_number(1, 1), version=4, triggers=[], pixels=[], traces=[])
+    commands = []
+    for current in list(oracle.CLASSES) + [-1, 14, 100]:
+        for label in list(oracle.LABELS) + [-1, 7, 98]:
+            commands += [{"op": "set_class", "value": current},
+                         {"op": "add", "event": dict(event, label=label), "force": True}]
+    pair.check(commands)
+
+
+def test_every_name(pair):
+    pair.check([{"op": "verbose", "value": value} for value in range(-3, 103)])
+
+
+@examples(200)
+@given(several(add_bare, times, parameters, parameters, corrections, corrections, level, gets, most=12), levels)
+def test_time_correction(pair, commands, level):
+    pair.check(commands, level)
+
+
+@examples(150)
+@given(several(sets, sets, gets, times, write_header, level, most=12), levels)
+def test_values_by_mirror(pair, commands, level):
+    pair.check(commands, level)
+
+
+@examples(200)
+@given(reads, levels)
+def test_old_header(pair, command, level):
+    pair.check([command], level)
+
+
+@examples(150)
+@given(several(reads, reads, parameters, corrections, add_bare, write_header, level), levels)
+def test_old_header_into_a_used_one(pair, commands, level):
+    pair.check(commands, level)
+
+
+@examples(100)
+@given(several(list_reads, list_reads, add, walk, level), levels)
+def test_old_pixel_list(pair, commands, level):
+    pair.check(commands, level)
+
+
+@examples(150)
+@given(several(anything, most=12), levels)
+def test_anything(pair, commands, level):
+    pair.check(commands, level)
