@@ -1,4 +1,5 @@
 #ifdef __CLING__
+// clang-format off
 
 #pragma link off all globals;
 #pragma link off all classes;
