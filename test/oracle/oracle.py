@@ -686,7 +686,8 @@ class Oracle:
                 if self.level > 1:
                     self.say("INF", f"Pixel {i} is set !")
                     self.say("INF", f"TStnPixelList:: adding pixel {i} as no. {len(pixels.expanded)}")
-                pixels.expanded.append(pixels.stn * 2880 + i + 1)
+                # There are five stations.
+                pixels.expanded.append(pixels.stn * 2880 + i + 1 if pixels.stn < 5 else 0)
 
 
 def encode_list(version, stn, count, bits):
