@@ -258,6 +258,11 @@ def stamped(word, stn, mirror):
     return i32(word & ~0x7E00 | stn << 12 | mirror << 9)
 
 
+def place_of(pixel):
+    """Station pixel of an installation pixel."""
+    return (pixel - 1) % 2880 + 1 if 1 <= pixel <= 14400 else 0
+
+
 class PixelList:
     def __init__(self, station):
         self.streamer_version, self.stn, self.count, self.bits, self.expanded = 0, station - 1, 0, 0, []
@@ -428,15 +433,16 @@ class Oracle:
     def add_pixels(self, words):
         self.note("INF", f"TMirrorPixelList contains {len(words)} pixels !")
         for pixel in map(vd_pixel_of, words):
-            stn, place = u32(pixel - 1) // 2880 + 1, (pixel - 1) % 2880 + 1 if pixel else 0
-            mirror = (place + 479) // 480
-            self.note("INF", f"TStnPixelList::AddPixel(({stn},{mirror})={mirror},{pixel}) ...")
-            self.add_pixel(pixel, stn, place)
+            place = place_of(pixel)
+            self.add_pixel(pixel)
             self.note("INF", f"TStnPixelList::AddPixelList(seq={self.list.count}): {pixel},{place},"
                       f"{(place - 1) % 480 + 1 if pixel else 0}")
 
-    def add_pixel(self, pixel, stn, place):
-        if not pixel:
+    def add_pixel(self, pixel):
+        stn, place = u32(pixel - 1) // 2880 + 1, place_of(pixel)
+        mirror = (place + 479) // 480
+        self.note("INF", f"TStnPixelList::AddPixel(({stn},{mirror})={mirror},{pixel}) ...")
+        if not place:
             return self.say("WRN", f"TStnPixelList::AddPixel() - tried to add illegal pixel {pixel} - ignored!")
         if stn - 1 != self.list.stn:
             return self.say("WRN", f"TStnPixelList::AddPixel() - tried to add pixel {pixel}from illegal Stn {stn} - ignored!")
@@ -444,7 +450,7 @@ class Oracle:
         if self.list.bits >> place - 1 & 1:
             return self.say("WRN", f"TStnPixelList::AddPixel({place}) - tried to add pixel again to list - ignored!")
         self.list.bits |= 1 << place - 1
-        self.list.count += 1
+        self.list.count = u32(self.list.count + 1)
 
     def add_traces(self, event, words, stn, mirror):
         self.traces = self.traces or {0: None}  # no trace has number 0, and a dictionary with it is true
@@ -674,11 +680,30 @@ class Oracle:
             self.say("INF", f"TStnPixelList::Streamer() - read fStreamerVersion= {pixels.streamer_version}, fStnNo= {pixels.stn}")
         return 4 + count
 
+    def do_add_pixel(self, pixel):
+        self.get_list()
+        self.add_pixel(pixel & 0x3FFF)
+
+    def do_test_pixel(self, pixel):
+        place = place_of(pixel & 0x3FFF)
+        return bool(self.get_list().bits >> place & 1) and place > 0
+
+    def do_remove_pixel(self, pixel):
+        pixels, pixel = self.get_list(), pixel & 0x3FFF
+        place = place_of(pixel)
+        if not place:
+            return self.say("WRN", f"Tried to remove illegal pixel {pixel}")
+        if place % 32 == 0 and pixels.bits >> place & 0xFFFFFFFF == 0:
+            return self.say("WRN", f"TStnPixelList::RemovePixel({place}): Tried to remove non-existing pixel from the list !")
+        pixels.bits &= ~(1 << place)
+        pixels.count = u32(pixels.count - 1)
+
     def do_walk(self):
         pixels = self.get_list()
         if pixels.count and not pixels.expanded:
             self.expand(pixels)
-        return [pixels.expanded[i] if i < min(pixels.count, len(pixels.expanded)) else None for i in range(pixels.count + 1)]
+        there = pixels.expanded[:pixels.count]
+        return [there[i] if i < len(there) else None for i in range(min(pixels.count, 2880) + 1)]
 
     def expand(self, pixels):
         for i in range(2880):

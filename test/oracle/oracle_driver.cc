@@ -18,6 +18,7 @@
 #include <TObjArray.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -313,10 +314,34 @@ json WriteHeader(const json&) {
   return ToHex(buffer);
 }
 
+_VdPixelNumber PixelOf(const json& command) {
+  _VdPixelNumber pixel;
+  pixel.fPixelNumber = command["pixel"];
+  return pixel;
+}
+
+json AddPixel(const json& command) {
+  _VdPixelNumber pixel = PixelOf(command);
+  gEvent->GetPixelList()->AddPixel(&pixel);
+  return nullptr;
+}
+
+json RemovePixel(const json& command) {
+  _VdPixelNumber pixel = PixelOf(command);
+  gEvent->GetPixelList()->RemovePixel(&pixel);
+  return nullptr;
+}
+
+json TestPixel(const json& command) {
+  _VdPixelNumber pixel = PixelOf(command);
+  return gEvent->GetPixelList()->TestPixel(&pixel);
+}
+
 json Walk(const json&) {
   json numbers = json::array();
   TStnPixelList* list = gEvent->GetPixelList();
-  for (UInt_t i = 0; i <= list->GetNumPixels(); ++i) {
+  const UInt_t last = std::min(list->GetNumPixels(), Vd::kSTN_NEXTPIXELS);
+  for (UInt_t i = 0; i <= last; ++i) {
     _VdPixelNumber* pixel = list->GetPixel(i);
     numbers.push_back(pixel ? json(pixel->fPixelNumber) : json());
   }
@@ -370,6 +395,9 @@ const Commands kCommands = {
     {"read_list", [](const json& c) { return Read(gEvent->GetPixelList(), c); }},
     {"write_header", WriteHeader},
     {"walk", Walk},
+    {"add_pixel", AddPixel},
+    {"remove_pixel", RemovePixel},
+    {"test_pixel", TestPixel},
 };
 
 json Run(const json& command, LogCapture& log, std::ostringstream& out) {

@@ -103,12 +103,20 @@ i16, i32 = st.integers(-2**15, 2**15 - 1), st.integers(-2**31, 2**31 - 1)
 float_bits = st.one_of(st.floats(width=32).map(lambda value: oracle.bits_of(value)), st.sampled_from(
     [struct.unpack("<I", struct.pack("<f", value))[0] for value in (0.0, 49.99, 50.0, 50.01, 99.9, 100.0, 100.1, 150.0, 150.01)])
 ).map(lambda bits: 0x7FC00000 if bits == "nan" else bits)
+
+
+def limits(low, high):
+    """Both ends of a range of floats, and what lies next to them."""
+    bits = [oracle.bits_of(float(end)) + step for end in (low, high) for step in (-1, 0, 1)]
+    return st.sampled_from(bits + [oracle.bits_of(100.0)])
+
+
 levels = st.sampled_from([0, 0, 1, 1, 2])
-mirror_ids = st.one_of(st.integers(1, 6), st.integers(1, 6), st.integers(0, 9), u32)
+mirror_ids = st.one_of(st.integers(1, 6), st.integers(1, 6), st.integers(0, 9), st.integers(30, 40), u32)
 gps_seconds = st.one_of(st.integers(1_000_000_000, 1_000_000_002), st.integers(1_000_000_000, 1_000_000_002),
                         st.sampled_from([leap - oracle.EPOCH + n + d for n, leap in enumerate(oracle.LEAPS) for d in (-1, 0, 1)]),
-                        u32)
-nanoseconds = st.one_of(st.integers(0, 300), st.integers(0, 999_999_999), st.integers(999_999_700, 1_000_000_300), u32)
+                        st.sampled_from([oracle.gps_of(2**31 - 2), oracle.gps_of(2**31 - 1), oracle.gps_of(2**31)]), u32)
+nanoseconds = st.one_of(st.sampled_from([0, 1, 100]), st.integers(0, 300), st.integers(0, 999_999_999), st.integers(999_999_700, 1_000_000_300), u32)
 labels = st.one_of(st.sampled_from(list(oracle.LABELS)), st.sampled_from(list(oracle.LABELS)), i32)
 classes = st.one_of(st.sampled_from(list(oracle.CLASSES)), i32)
 types = st.one_of(st.integers(0, 3), st.integers(0, 10), i32)
@@ -151,17 +159,21 @@ verbose = op("verbose", value=st.one_of(st.integers(-2, 100), i32))
 times = st.one_of(
     op("set_raw_time", id=mirror_ids, sec=st.one_of(gps_seconds.map(oracle.unix_of), i32), nsec=st.one_of(nanoseconds.map(oracle.i32))),
     op("set_time", sec=gps_seconds, nsec=nanoseconds), op("set_t3_time", sec=gps_seconds, nsec=nanoseconds))
-near = st.sampled_from
+plain_second = {"start": 0, "end": 0, "ticks": 80_000_000, "phase": 0}
+at_limits = st.one_of(*[st.builds(lambda value, name=name: {"op": "measured", **plain_second, name: value}, st.sampled_from(values))
+                        for name, values in {"start": [-129, -128, 127, 128], "end": [-129, -128, 127, 128],
+                                             "ticks": [79_199_999, 79_200_000, 80_800_000, 80_800_001],
+                                             "phase": [100, 101]}.items()])
 parameters = st.one_of(
-    op("measured", start=st.one_of(st.integers(-130, 130), i16), end=st.one_of(st.integers(-130, 130), i16),
-       ticks=st.one_of(near([80_000_000, 79_999_990, 80_000_010]), near([79_199_999, 79_200_000, 80_800_000, 80_800_001]), u32),
-       phase=st.one_of(st.integers(0, 102), u32)),
+    at_limits,
+    op("measured", start=i16, end=i16, ticks=u32, phase=u32),
     op("measured", start=st.integers(-128, 127), end=st.integers(-128, 127), ticks=st.integers(79_200_000, 80_800_000),
        phase=st.integers(0, 100)),
     op("derived", t10=float_bits, offset=float_bits),
-    op("derived", t10=st.floats(50, 150, width=32).map(oracle.bits_of), offset=st.floats(-128, 227, width=32).map(oracle.bits_of)))
+    op("derived", t10=limits(50, 150), offset=limits(-128, 227)),
+    op("derived", t10=st.floats(50, 150, width=32).map(oracle.bits_of), offset=st.floats(-3, 3, width=32).map(oracle.bits_of)))
 corrections = st.one_of(
-    op("is_set"), op("adjust"), op("correct", sec=u32, nsec=st.one_of(st.integers(-500, 500), st.integers(-100, 10**9 + 100), i32)),
+    op("is_set"), op("adjust"), op("correct", sec=u32, nsec=st.one_of(st.integers(-3, 3), st.integers(-500, 500), st.integers(-100, 10**9 + 100), i32)),
     op("bin_time", word=i32, info=u32, bin=st.one_of(st.integers(0, 4001), u32)))
 settings_by_caller = st.one_of(op("set_type", value=types), op("set_class", value=classes))
 write_header = op("write_header")
@@ -208,9 +220,11 @@ bit_sets = st.one_of(st.sets(st.integers(0, 2879), max_size=6).map(lambda places
 list_reads = st.builds(read_list, st.sampled_from([-1, 0, 1, 2, 2, 4, 4]), st.integers(0, 6), bit_sets,
                        st.one_of(st.just(0), st.just(0), st.integers(-1, 2)), st.integers(0, 3))
 walk = op("walk")
+station_pixels = st.one_of(st.integers(1, 34), st.integers(2878, 2884), st.integers(1, 14400), i16)
+pixel_calls = st.one_of(*[op(name, pixel=station_pixels) for name in ("add_pixel", "add_pixel", "remove_pixel", "test_pixel")])
 
 anything = st.one_of(add, add_bare, level, sets, gets, verbose, times, parameters, corrections, settings_by_caller,
-                     write_header, reads, list_reads, walk)
+                     write_header, reads, list_reads, walk, pixel_calls)
 
 
 def several(*strategies, most=8):
@@ -220,13 +234,13 @@ def several(*strategies, most=8):
 # ---- properties
 
 
-@examples(150)
+@examples(300)
 @given(several(add, add, add, settings_by_caller, walk), levels)
 def test_merging(pair, commands, level):
     pair.check(commands, level)
 
 
-@examples(100)
+@examples(200)
 @given(several(add_bare, settings_by_caller, level, most=12), levels)
 def test_values_classes_and_times_of_mirrors_without_pixels(pair, commands, level):
     pair.check(commands, level)
@@ -247,37 +261,43 @@ def test_every_name(pair):
     pair.check([{"op": "verbose", "value": value} for value in range(-3, 103)])
 
 
-@examples(200)
+@examples(400)
 @given(several(add_bare, times, parameters, parameters, corrections, corrections, level, gets, most=12), levels)
 def test_time_correction(pair, commands, level):
     pair.check(commands, level)
 
 
-@examples(150)
+@examples(300)
 @given(several(sets, sets, gets, times, write_header, level, most=12), levels)
 def test_values_by_mirror(pair, commands, level):
     pair.check(commands, level)
 
 
-@examples(200)
+@examples(400)
 @given(reads, levels)
 def test_old_header(pair, command, level):
     pair.check([command], level)
 
 
-@examples(150)
+@examples(300)
 @given(several(reads, reads, parameters, corrections, add_bare, write_header, level), levels)
 def test_old_header_into_a_used_one(pair, commands, level):
     pair.check(commands, level)
 
 
-@examples(100)
+@examples(200)
 @given(several(list_reads, list_reads, add, walk, level), levels)
 def test_old_pixel_list(pair, commands, level):
     pair.check(commands, level)
 
 
-@examples(150)
+@examples(400)
+@given(several(pixel_calls, pixel_calls, pixel_calls, walk, list_reads, level, most=16), levels)
+def test_pixel_list(pair, commands, level):
+    pair.check(commands, level)
+
+
+@examples(300)
 @given(several(anything, most=12), levels)
 def test_anything(pair, commands, level):
     pair.check(commands, level)
