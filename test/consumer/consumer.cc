@@ -13,7 +13,8 @@ int main() {
   mirror.GetEventHeader()->SetMirrorNo(3);
   mirror.GetEventHeader()->SetNextPageTime(1000000000);
 
-  auto* written = new TStnEvent;
+  TStnEvent event;
+  TStnEvent* written = &event;
   written->AddEvent(&mirror);
   written->GetEventHeader()->SetEventNo(77);
   {
@@ -28,5 +29,6 @@ int main() {
   std::cout << "station " << header->GetStnNo() << ", event " << header->GetEventNo() << ", mirror bits "
             << header->GetMirrorDataBits() << ", GPS second " << header->GetTimeStamp()->GetGPSSec() << ", last pixel "
             << VdUtil::Vd::kSTN_NEXTPIXELS << std::endl;
+  delete read;
   return 0;
 }
