@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # What bootstrap.sh says and does when something is missing, seen with stand-ins for the system's package tools.
-# Arguments: source folder, scratch folder.
+# Argument: source folder.
 set -euo pipefail
-source=$1 scratch=$2
-rm -rf "$scratch"
+source=$1
+# Where another user can reach it: the build may lie in a folder that only root can enter.
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
 mkdir -p "$scratch/bin" "$scratch/project"
 chmod -R a+rwX "$scratch"
 cp "$source/bootstrap.sh" "$source/dependencies.env" "$scratch/project"

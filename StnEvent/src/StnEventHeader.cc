@@ -309,6 +309,10 @@ TStnEventHeader& TStnEventHeader::operator=(const TStnEventHeader& rhs) {
 
 TStnEventHeader::~TStnEventHeader() {}
 
+// Not in the header: the interpreter sees the dictionary's shape of this member, in which they would not compile.
+ULong64_t TStnEventHeader::GetVetoTimeCounter() const { return fVetoTimeCounter[0]; }
+void TStnEventHeader::SetVetoTimeCounter(ULong64_t veto_ctr) { fVetoTimeCounter[0] = veto_ctr; }
+
 // ---- Values of a mirror
 
 void TStnEventHeader::SetMirrorPresent(UInt_t mirror_id) {

@@ -323,9 +323,4 @@ class TStnEventHeader : public TObject {
   ClassDefOverride(TStnEventHeader, 10)
 };
 
-#ifndef __ROOTCLING__
-inline ULong64_t TStnEventHeader::GetVetoTimeCounter() const { return fVetoTimeCounter[0]; }
-inline void TStnEventHeader::SetVetoTimeCounter(ULong64_t veto_ctr) { fVetoTimeCounter[0] = veto_ctr; }
-#endif
-
 #endif
