@@ -1,7 +1,7 @@
 """The event model once more, in few words: merging of mirror events, event classes, time correction, old records.
 
-`Oracle` takes the commands that the driver takes and gives the answers that the library has to give. What depends on the
-library's source text alone, the line numbers of debug messages, stands as "#".
+`Oracle` takes the commands that the driver takes and gives the answers that the library has to give. What depends on
+the library's source text alone, the line numbers of debug messages, stands as "#".
 """
 import calendar
 import struct
@@ -119,8 +119,8 @@ def new_header(station):
     return dict(header, fStnNumber=station, fTicksPerSecond=80_000_000, fTimeCorrectionQuality=-1, fUniqueID=0)
 
 
-def framed(version, body):
-    return struct.pack(">Ih", 0x40000000 | len(body) + 2, version) + body
+def framed(version, body, hidden=0):
+    return struct.pack(">Ih", 0x40000000 | len(body) + 2 - hidden, version) + body
 
 
 def root_object(unique_id=0, bits=0):
@@ -139,14 +139,15 @@ def count_of(kind, length):
     return length * (2 if kind == "W" else 1)
 
 
-def encode_header(version, header, counts={}, extra=b""):
-    """A whole record, with counts in place of true ones where `counts` has some, and `extra` at its end."""
+def encode_header(version, header, counts={}, extra=b"", hidden=0):
+    """A whole record, with counts in place of true ones where `counts` has some, and `extra` at its end, of which the
+    frame does not count the last `hidden` bytes."""
     body = root_object(header["fUniqueID"])
     for name, kind, length, _, _ in on_file(version):
         if version == 4 and name in COUNTED:
             body += struct.pack(">i", counts.get(name, count_of(kind, length)))
         body += b"".join(encode_value(kind, value) for value in (header[name] if length else [header[name]]))
-    return framed(version, body + extra)
+    return framed(version, body + extra, hidden)
 
 
 class Misfit(Exception):
@@ -190,9 +191,9 @@ CLASSES = {
     12: "'Horizontal Shower'", 13: "'Shower'", 90: "'UBA T3 noise'", 91: "'User defined 2'", 92: "'User defined 3'",
     93: "'User defined 4'", 98: "'Rejected'", 99: "'Invalid event class'"}
 TYPES = {
-    0: "'Unknown'", 1: "'Physics - Int or L/R trigger'", 2: "'Calibration - Ext trigger'", 3: "'Simulated - Sw trigger'",
-    4: "'Laser Offset'", 5: "'Flasher Offset'", 6: "'Calibration Offset'", 7: "'Lidar Offset'", 8: "'APF Offset'",
-    9: "'Invalid'"}
+    0: "'Unknown'", 1: "'Physics - Int or L/R trigger'", 2: "'Calibration - Ext trigger'",
+    3: "'Simulated - Sw trigger'", 4: "'Laser Offset'", 5: "'Flasher Offset'", 6: "'Calibration Offset'",
+    7: "'Lidar Offset'", 8: "'APF Offset'", 9: "'Invalid'"}
 QUALITIES = {-1: "'NotSet'", 0: "'Unknown'", 1: "'Averaged'", 2: "'Full'"}
 MIRROR_TYPES = {0: 0, 1: 1, 2: 2, 3: 3, 4: 1, 5: 1, 6: 1, 7: 1, 8: 1}
 LABELS = {0: "Unlabelled", 1: "AcceptedEvent", 2: "MuonEvent", 3: "ShowerCandidate", 4: "ShowerEvent", 5: "RandomEvent",
@@ -266,12 +267,13 @@ def place_of(pixel):
 class PixelList:
     def __init__(self, station):
         self.streamer_version, self.stn, self.count, self.bits, self.expanded = 0, station - 1, 0, 0, []
+        self.size = 90  # words; there is always room for 90
 
     def is_sound(self):
-        return bool(self.expanded) or self.count in (0, bin(self.bits).count("1"))
+        return bool(self.expanded) or self.count in (0, bin(self.bits % 2**2880).count("1"))
 
     def view(self):
-        words = [self.bits >> 32 * i & 0xFFFFFFFF for i in range(90)]
+        words = [self.bits >> 32 * i & 0xFFFFFFFF for i in range(self.size)]
         return {"fStreamerVersion": self.streamer_version, "fStnNo": self.stn, "fNPixels": self.count,
                 "fPixelVector": words}
 
@@ -388,9 +390,9 @@ class Oracle:
         self.do_set("SetMirrorDataPresent", 0, mirror)
         if self.level:
             self.dump_counters(event, mirror)
-        for setter, value in (("SetTriggerSource", "source"), ("SetRunTimeCounter", "run"), ("SetDeadTimeCounter", "dead"),
-                              ("SetTriggerTimeStamp", "trigger_time"), ("SetMirrorDaqDeadTime", "daq"),
-                              ("SetMirrorNSkippedTriggers", "skipped")):
+        for setter, value in (("SetTriggerSource", "source"), ("SetRunTimeCounter", "run"),
+                              ("SetDeadTimeCounter", "dead"), ("SetTriggerTimeStamp", "trigger_time"),
+                              ("SetMirrorDaqDeadTime", "daq"), ("SetMirrorNSkippedTriggers", "skipped")):
             self.do_set(setter, event[value], mirror)
         header["fVetoTimeCounter"] = [event["veto"]]
         if header["fEventType"] == 0:
@@ -425,8 +427,8 @@ class Oracle:
             self.debug("StnEvent", f"TStnEvent::AddEvent() - adding pixel data for Mirror {mirror} ...")
         self.data = self.data or [None] * 6
         if self.data[mirror - 1]:
-            self.say("WRN", f"TStnPixelData::AddPixelData() - pixel data for Mirror Id {mirror} has been already added, "
-                     "ignored!")
+            self.say("WRN", f"TStnPixelData::AddPixelData() - pixel data for Mirror Id {mirror} has been already "
+                     "added, ignored!")
         else:
             self.data[mirror - 1] = {"mirror": event["mirror"], "triggers": event["triggers"]}
 
@@ -445,7 +447,8 @@ class Oracle:
         if not place:
             return self.say("WRN", f"TStnPixelList::AddPixel() - tried to add illegal pixel {pixel} - ignored!")
         if stn - 1 != self.list.stn:
-            return self.say("WRN", f"TStnPixelList::AddPixel() - tried to add pixel {pixel}from illegal Stn {stn} - ignored!")
+            return self.say("WRN", f"TStnPixelList::AddPixel() - tried to add pixel {pixel}from illegal Stn {stn} - "
+                            "ignored!")
         self.list.expanded = []
         if self.list.bits >> place - 1 & 1:
             return self.say("WRN", f"TStnPixelList::AddPixel({place}) - tried to add pixel again to list - ignored!")
@@ -523,14 +526,15 @@ class Oracle:
     def refuses(self, *tests):
         for value, name, bad in tests:
             if bad:
-                self.say("ERR", f"TStnEventHeader::SetTimeCorrectionParameters() - value '{value}' passed for '{name}' is "
-                         "not plausible !")
+                self.say("ERR", f"TStnEventHeader::SetTimeCorrectionParameters() - value '{value}' passed for '{name}' "
+                         "is not plausible !")
                 return True
         return False
 
     def do_measured(self, start, end, ticks, phase):
         header = self.get_header()
-        if not self.refuses((start, "start_offset", not -128 <= start <= 127), (end, "end_offset", not -128 <= end <= 127),
+        if not self.refuses((start, "start_offset", not -128 <= start <= 127),
+                            (end, "end_offset", not -128 <= end <= 127),
                             (ticks, "ticks_per_sec", not 79_200_000 <= ticks <= 80_800_000),
                             (phase, "phase", phase > 100)):
             header.update(fSecStartOffset=start, fSecEndOffset=end, fTicksPerSecond=ticks, fPPSPhase=phase)
@@ -585,7 +589,8 @@ class Oracle:
                 self.put("fMirrorTimeOffset", i + 1, u32(nsec - event_nsec + (0 if event_sec >= sec else BILLION)))
 
     def do_bin_time(self, word, info, bin):
-        return [self.bin_time("GetFADCBinTime", word, info, bin)[0], self.bin_time("GetFADCBinNanoTime", word, info, bin)[1]]
+        sec = self.bin_time("GetFADCBinTime", word, info, bin)[0]
+        return [sec, self.bin_time("GetFADCBinNanoTime", word, info, bin)[1]]
 
     def bin_time(self, call, word, info, bin):
         header, n, mirror = self.get_header(), (1000, 2000, 4000, 0)[info >> 24 & 3], word >> 9 & 7
@@ -606,7 +611,8 @@ class Oracle:
         if self.level:
             self.debug("StnEventHeader", f"TStnEventHeader::Streamer() - R__v= {version} R__s= {offset} R__c= {count}")
         if version == 5 and count != 239:
-            self.say("FAT", f"TStnEventHeader::Streamer() - Error: R__c= {count} doesn't match for V5, reading aborted!")
+            self.say("FAT", f"TStnEventHeader::Streamer() - Error: R__c= {count} doesn't match for V5, reading "
+                     "aborted!")
             self.out += dump(reader.data[reader.position:offset + 4 + count])
             return min(4 + count, len(reader.data) - offset)
         if version < 4:
@@ -662,23 +668,35 @@ class Oracle:
 
     def do_read_list(self, bytes, offset):
         pixels, reader = self.get_list(), Reader(bytearray.fromhex(bytes), offset)
-        count, pixels.streamer_version = reader.frame()
-        if pixels.streamer_version < 2:
+        count, version = reader.frame()
+        left = len(reader.data) - offset - 4
+        if version < 2:
+            pixels.streamer_version, count = version, reader.position - offset - 4
             self.say("ERR", "TStnPixelList::Streamer() - version == 1 not streamable !")
-            count = reader.position - offset - 4
+        elif count > left:
+            self.say("ERR", f"TStnPixelList::Streamer() - byte count: found {count}, expected at most {left}")
+            count = left
         else:
-            reader.take("hII")
-            if pixels.streamer_version == 2:
-                self.note("INF", "TStnPixelList::Streamer() - fix for version= 2 !")
-            else:
-                pixels.stn = reader.take("I")
-            pixels.count, size = reader.take("II")
-            if pixels.streamer_version > 2:
-                reader.take("B")
-            pixels.bits = sum(reader.take("I") << 32 * i for i in range(size))
+            self.read_list(pixels, reader, version)
         if self.level > 1:
-            self.say("INF", f"TStnPixelList::Streamer() - read fStreamerVersion= {pixels.streamer_version}, fStnNo= {pixels.stn}")
+            self.say("INF", f"TStnPixelList::Streamer() - read fStreamerVersion= {pixels.streamer_version}, "
+                     f"fStnNo= {pixels.stn}")
         return 4 + count
+
+    def read_list(self, pixels, reader, version):
+        reader.take("hII")
+        stn = reader.take("I") if version > 2 else pixels.stn
+        number, size = reader.take("II")
+        if version > 2:
+            reader.take("B")
+        most = (len(reader.data) - reader.position) // 4
+        if size > most:
+            return self.say("ERR", f"TStnPixelList::Streamer() - fPixelVectorSize: found {size}, expected at most "
+                            f"{most}")
+        if version == 2:
+            self.note("INF", "TStnPixelList::Streamer() - fix for version= 2 !")
+        pixels.streamer_version, pixels.stn, pixels.count, pixels.size = version, stn, number, size
+        pixels.bits = sum(reader.take("I") << 32 * i for i in range(size))
 
     def do_add_pixel(self, pixel):
         self.get_list()
@@ -686,7 +704,7 @@ class Oracle:
 
     def do_test_pixel(self, pixel):
         place = place_of(pixel & 0x3FFF)
-        return bool(self.get_list().bits >> place & 1) and place > 0
+        return bool(self.get_list().bits >> place & 1) and 0 < place < 32 * self.list.size
 
     def do_remove_pixel(self, pixel):
         pixels, pixel = self.get_list(), pixel & 0x3FFF
@@ -694,7 +712,8 @@ class Oracle:
         if not place:
             return self.say("WRN", f"Tried to remove illegal pixel {pixel}")
         if place % 32 == 0 and pixels.bits >> place & 0xFFFFFFFF == 0:
-            return self.say("WRN", f"TStnPixelList::RemovePixel({place}): Tried to remove non-existing pixel from the list !")
+            return self.say("WRN", f"TStnPixelList::RemovePixel({place}): Tried to remove non-existing pixel from the "
+                            "list !")
         pixels.bits &= ~(1 << place)
         pixels.count = u32(pixels.count - 1)
 
@@ -715,11 +734,9 @@ class Oracle:
                 pixels.expanded.append(pixels.stn * 2880 + i + 1 if pixels.stn < 5 else 0)
 
 
-def encode_list(version, stn, count, bits):
-    words = struct.pack(">90I", *(bits >> 32 * i & 0xFFFFFFFF for i in range(90)))
-    if version <= 2:
-        return framed(version, root_object() + struct.pack(">II", count, 90) + words)
-    return framed(version, root_object() + struct.pack(">IIIB", stn, count, 90, 1) + words)
+def encode_list(version, stn, count, size, words):
+    body = root_object() + (struct.pack(">I", stn) if version > 2 else b"") + struct.pack(">II", count, size)
+    return framed(version, body + (b"\1" if version > 2 else b"") + struct.pack(f">{len(words)}I", *words))
 
 
 def dump(data):

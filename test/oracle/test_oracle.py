@@ -1,12 +1,11 @@
 """Property tests: the library and the oracle go through the same random commands and have to give the same answers.
 
-ORACLE_DRIVER names the driver program. ORACLE_EXAMPLES is the number of examples of each property; when it is set they are
-chosen anew in each run, otherwise they are always the same.
+ORACLE_DRIVER names the driver program. ORACLE_EXAMPLES is the number of examples of each property; when it is set they
+are chosen anew in each run, otherwise they are always the same.
 """
 import json
 import os
 import re
-import struct
 import subprocess
 
 import pytest
@@ -101,7 +100,7 @@ u8, u16 = st.integers(0, 2**8 - 1), st.integers(0, 2**16 - 1)
 u32, u64 = st.integers(0, 2**32 - 1), st.integers(0, 2**64 - 1)
 i16, i32 = st.integers(-2**15, 2**15 - 1), st.integers(-2**31, 2**31 - 1)
 float_bits = st.one_of(st.floats(width=32).map(lambda value: oracle.bits_of(value)), st.sampled_from(
-    [struct.unpack("<I", struct.pack("<f", value))[0] for value in (0.0, 49.99, 50.0, 50.01, 99.9, 100.0, 100.1, 150.0, 150.01)])
+    [oracle.bits_of(value) for value in (0.0, 49.99, 50.0, 50.01, 99.9, 100.0, 100.1, 150.0, 150.01)])
 ).map(lambda bits: 0x7FC00000 if bits == "nan" else bits)
 
 
@@ -113,10 +112,12 @@ def limits(low, high):
 
 levels = st.sampled_from([0, 0, 1, 1, 2])
 mirror_ids = st.one_of(st.integers(1, 6), st.integers(1, 6), st.integers(0, 9), st.integers(30, 40), u32)
-gps_seconds = st.one_of(st.integers(1_000_000_000, 1_000_000_002), st.integers(1_000_000_000, 1_000_000_002),
-                        st.sampled_from([leap - oracle.EPOCH + n + d for n, leap in enumerate(oracle.LEAPS) for d in (-1, 0, 1)]),
-                        st.sampled_from([oracle.gps_of(2**31 - 2), oracle.gps_of(2**31 - 1), oracle.gps_of(2**31)]), u32)
-nanoseconds = st.one_of(st.sampled_from([0, 1, 100]), st.integers(0, 300), st.integers(0, 999_999_999), st.integers(999_999_700, 1_000_000_300), u32)
+neighbours = st.integers(1_000_000_000, 1_000_000_002)
+at_leaps = [leap - oracle.EPOCH + n + step for n, leap in enumerate(oracle.LEAPS) for step in (-1, 0, 1)]
+latest = [oracle.gps_of(2**31 + step) for step in (-2, -1, 0)]
+gps_seconds = st.one_of(neighbours, neighbours, st.sampled_from(at_leaps), st.sampled_from(latest), u32)
+nanoseconds = st.one_of(st.sampled_from([0, 1, 100]), st.integers(0, 300), st.integers(0, 999_999_999),
+                        st.integers(999_999_700, 1_000_000_300), u32)
 labels = st.one_of(st.sampled_from(list(oracle.LABELS)), st.sampled_from(list(oracle.LABELS)), i32)
 classes = st.one_of(st.sampled_from(list(oracle.CLASSES)), i32)
 types = st.one_of(st.integers(0, 3), st.integers(0, 10), i32)
@@ -131,24 +132,33 @@ def mirror_number(stn, mirror):
 
 
 own_mirrors = st.integers(1, 6).map(lambda mirror: mirror_number(1, mirror))
-mirrors = st.one_of(own_mirrors, own_mirrors, own_mirrors, st.builds(mirror_number, st.integers(1, 5), st.integers(1, 6)), i16)
-pixel_nos = st.one_of(st.integers(1, 8), st.integers(470, 490), st.integers(0, 511))
+all_mirrors = st.builds(mirror_number, st.integers(1, 5), st.integers(1, 6))
+mirrors = st.one_of(own_mirrors, own_mirrors, own_mirrors, all_mirrors, i16)
+pixel_nos = st.one_of(st.integers(1, 4), st.integers(1, 8), st.integers(470, 490), st.integers(0, 511))
 pixel_words = st.one_of(pixel_nos, st.builds(lambda low, high: oracle.i32(high & ~0x1FF | low), pixel_nos, u32))
-traces = st.lists(st.fixed_dictionaries({
-    "pixel": st.one_of(st.integers(1, 8), st.integers(470, 480)), "word": pixel_words, "info": u32, "start": u32,
-    "samples": st.lists(st.tuples(st.integers(0, 1999), st.integers(1, 2**16 - 1)).map(list), max_size=3,
-                        unique_by=lambda sample: sample[0]).map(sorted)}),
-    max_size=4, unique_by=lambda trace: trace["pixel"])
+
+
+def trace(pixel, own, word, info, start, samples):
+    """A trace that mostly says that it is of the pixel at which it stands."""
+    return {"pixel": pixel, "word": pixel if own else word, "info": info, "start": start, "samples": sorted(samples)}
+
+
+samples = st.lists(st.tuples(st.integers(0, 1999), st.integers(1, 2**16 - 1)).map(list), max_size=3,
+                   unique_by=lambda sample: sample[0])
+traces = st.lists(st.builds(trace, st.one_of(st.integers(1, 4), st.integers(470, 480)),
+                            st.sampled_from([True, True, False]), pixel_words, u32, u32, samples),
+                  max_size=4, unique_by=lambda trace: trace["pixel"])
 triggers = st.lists(st.tuples(st.integers(1, 480), st.integers(0, 3), st.integers(1, 2**32 - 1)).map(list), max_size=3,
                     unique_by=lambda trigger: tuple(trigger[:2])).map(sorted)
 
 mirror_headers = {
     "version": st.one_of(st.integers(3, 4), i16), "mirror": mirrors, "label": labels,
-    "type": st.one_of(st.integers(0, 4), u8), "source": u8, "trigger_time": u32, "sec": gps_seconds, "nsec": nanoseconds,
-    "dead": u64, "run": u64, "veto": u64, "daq": u64, "skipped": u32, "data_mirror": i16}
-full_events = st.fixed_dictionaries({**mirror_headers, "triggers": triggers, "pixels": st.lists(pixel_words, max_size=6),
-                                     "traces": traces})
-bare_events = st.fixed_dictionaries({**mirror_headers, **{name: st.just([]) for name in ("triggers", "pixels", "traces")}})
+    "type": st.one_of(st.integers(0, 4), u8), "source": u8, "trigger_time": u32, "sec": gps_seconds,
+    "nsec": nanoseconds, "dead": u64, "run": u64, "veto": u64, "daq": u64, "skipped": u32, "data_mirror": i16}
+full_events = st.fixed_dictionaries({
+    **mirror_headers, "triggers": triggers, "pixels": st.lists(pixel_words, max_size=6), "traces": traces})
+bare_events = st.fixed_dictionaries({
+    **mirror_headers, **{name: st.just([]) for name in ("triggers", "pixels", "traces")}})
 
 add = op("add", event=full_events, force=st.booleans())
 add_bare = op("add", event=bare_events, force=st.booleans())
@@ -157,13 +167,14 @@ sets = op("set", name=st.sampled_from(list(oracle.SETTERS)), value=st.one_of(u64
 gets = op("get", name=st.sampled_from(list(oracle.GETTERS) + list(oracle.BITS)), id=mirror_ids)
 verbose = op("verbose", value=st.one_of(st.integers(-2, 100), i32))
 times = st.one_of(
-    op("set_raw_time", id=mirror_ids, sec=st.one_of(gps_seconds.map(oracle.unix_of), i32), nsec=st.one_of(nanoseconds.map(oracle.i32))),
+    op("set_raw_time", id=mirror_ids, sec=st.one_of(gps_seconds.map(oracle.unix_of), i32),
+       nsec=nanoseconds.map(oracle.i32)),
     op("set_time", sec=gps_seconds, nsec=nanoseconds), op("set_t3_time", sec=gps_seconds, nsec=nanoseconds))
 plain_second = {"start": 0, "end": 0, "ticks": 80_000_000, "phase": 0}
-at_limits = st.one_of(*[st.builds(lambda value, name=name: {"op": "measured", **plain_second, name: value}, st.sampled_from(values))
-                        for name, values in {"start": [-129, -128, 127, 128], "end": [-129, -128, 127, 128],
-                                             "ticks": [79_199_999, 79_200_000, 80_800_000, 80_800_001],
-                                             "phase": [100, 101]}.items()])
+at_limits = st.sampled_from([
+    {"op": "measured", **plain_second, name: value} for name, values in {
+        "start": [-129, -128, 127, 128], "end": [-129, -128, 127, 128], "phase": [100, 101],
+        "ticks": [79_199_999, 79_200_000, 80_800_000, 80_800_001]}.items() for value in values])
 parameters = st.one_of(
     at_limits,
     op("measured", start=i16, end=i16, ticks=u32, phase=u32),
@@ -171,9 +182,11 @@ parameters = st.one_of(
        phase=st.integers(0, 100)),
     op("derived", t10=float_bits, offset=float_bits),
     op("derived", t10=limits(50, 150), offset=limits(-128, 227)),
-    op("derived", t10=st.floats(50, 150, width=32).map(oracle.bits_of), offset=st.floats(-3, 3, width=32).map(oracle.bits_of)))
+    op("derived", t10=st.floats(50, 150, width=32).map(oracle.bits_of),
+       offset=st.floats(-3, 3, width=32).map(oracle.bits_of)))
 corrections = st.one_of(
-    op("is_set"), op("adjust"), op("correct", sec=u32, nsec=st.one_of(st.integers(-3, 3), st.integers(-500, 500), st.integers(-100, 10**9 + 100), i32)),
+    op("is_set"), op("adjust"),
+    op("correct", sec=u32, nsec=st.one_of(st.integers(-3, 3), st.integers(-500, 500), st.integers(0, 10**9), i32)),
     op("bin_time", word=i32, info=u32, bin=st.one_of(st.integers(0, 4001), u32)))
 settings_by_caller = st.one_of(op("set_type", value=types), op("set_class", value=classes))
 write_header = op("write_header")
@@ -185,43 +198,59 @@ write_header = op("write_header")
 def stored(kind, length):
     one = {"B": u8, "h": i16, "H": u16, "i": st.one_of(st.integers(-2, 13), i32), "I": u32, "Q": u64, "W": u64,
            "f": float_bits.map(oracle.float_of),
-           "T": st.one_of(st.builds(oracle.stamp_of_gps, gps_seconds, nanoseconds), st.tuples(i32, i32).map(list))}[kind]
+           "T": st.one_of(st.builds(oracle.stamp_of_gps, gps_seconds, nanoseconds),
+                          st.tuples(i32, i32).map(list))}[kind]
     return st.lists(one, min_size=length, max_size=length) if length else one
 
 
 headers = st.fixed_dictionaries({"fUniqueID": u32, **{
     name: stored(kind, length) for name, kind, length, since, _ in oracle.FIELDS if since}})
-no_counts = st.just({})
 wrong_counts = st.dictionaries(st.sampled_from(oracle.COUNTED), st.one_of(st.integers(-1, 13), i32), max_size=1)
 
 
-def read_header(version, header, counts, extra, before, cut):
-    record = oracle.encode_header(version, header, counts, extra)
+def read_header(version, header, before, counts={}, extra=b"", hidden=0, cut=0):
+    record = oracle.encode_header(version, header, counts, extra, hidden)
     record = record[:max(oracle.FRAME, len(record) - cut)]
     return {"op": "read_header", "bytes": (bytes(before) + record).hex(), "offset": before}
 
 
-good_headers = st.builds(read_header, st.integers(4, 8), headers, no_counts, st.just(b""), st.integers(0, 3), st.just(0))
-odd_headers = st.builds(read_header, st.one_of(st.integers(4, 8), st.just(10), st.integers(-1, 3)), headers, no_counts,
-                        st.binary(max_size=40), st.integers(0, 3), st.just(0))
-bad_headers = st.builds(read_header, st.integers(4, 8), headers, wrong_counts, st.just(b""), st.integers(0, 3),
-                        st.one_of(st.just(0), st.integers(0, 400)))
+before = st.integers(0, 3)
+good_headers = st.builds(read_header, st.integers(4, 8), headers, before)
+odd_headers = st.builds(read_header, st.one_of(st.integers(4, 8), st.just(10), st.integers(-1, 3)), headers, before,
+                        extra=st.binary(max_size=40))
+bad_headers = st.builds(read_header, st.integers(4, 8), headers, before, counts=wrong_counts,
+                        cut=st.one_of(st.just(0), st.integers(0, 400)),
+                        hidden=st.one_of(st.just(0), st.integers(0, 40)))
 reads = st.one_of(good_headers, good_headers, odd_headers, bad_headers)
 
 
-def read_list(version, stn, bits, wrong, before):
-    record = oracle.encode_list(version, stn, oracle.u32(bin(bits).count("1") + wrong), bits)
+def read_list(version, stn, bits, before, length=90, wrong=0, lie=0, cut=0):
+    words = [bits >> 32 * i & 0xFFFFFFFF for i in range(length)]
+    count = sum(bin(word).count("1") for word in words[:90]) + wrong
+    record = oracle.encode_list(version, stn, oracle.u32(count), oracle.u32(length + lie), words)
+    record = record[:max(oracle.FRAME, len(record) - cut)]
     return {"op": "read_list", "bytes": (bytes(before) + record).hex(), "offset": before}
 
 
-bit_sets = st.one_of(st.sets(st.integers(0, 2879), max_size=6).map(lambda places: sum(1 << place for place in places)),
-                     st.sets(st.integers(0, 20), max_size=6).map(lambda places: sum(1 << place for place in places)),
-                     st.integers(0, 2**2880 - 1))
-list_reads = st.builds(read_list, st.sampled_from([-1, 0, 1, 2, 2, 4, 4]), st.integers(0, 6), bit_sets,
-                       st.one_of(st.just(0), st.just(0), st.integers(-1, 2)), st.integers(0, 3))
+def bits_at(places):
+    return sum(1 << place for place in places)
+
+
+bit_sets = st.one_of(st.sets(st.integers(0, 2879), max_size=6).map(bits_at),
+                     st.sets(st.integers(0, 20), max_size=6).map(bits_at), st.integers(0, 2**2880 - 1))
+stations = st.integers(0, 6)
+list_versions = st.sampled_from([2, 2, 4])
+list_reads = st.one_of(
+    st.builds(read_list, list_versions, stations, bit_sets, before),
+    st.builds(read_list, st.integers(-1, 1), stations, bit_sets, before),
+    st.builds(read_list, list_versions, stations, bit_sets, before, wrong=st.integers(-1, 2)),
+    st.builds(read_list, list_versions, stations, bit_sets, before, length=st.integers(0, 93)),
+    st.builds(read_list, list_versions, stations, bit_sets, before, length=st.integers(85, 93),
+              lie=st.one_of(st.just(1), st.integers(0, 2**32 - 1)), cut=st.one_of(st.just(0), st.integers(0, 400))))
 walk = op("walk")
 station_pixels = st.one_of(st.integers(1, 34), st.integers(2878, 2884), st.integers(1, 14400), i16)
-pixel_calls = st.one_of(*[op(name, pixel=station_pixels) for name in ("add_pixel", "add_pixel", "remove_pixel", "test_pixel")])
+pixel_calls = st.one_of(*[op(name, pixel=station_pixels)
+                          for name in ("add_pixel", "add_pixel", "remove_pixel", "test_pixel")])
 
 anything = st.one_of(add, add_bare, level, sets, gets, verbose, times, parameters, corrections, settings_by_caller,
                      write_header, reads, list_reads, walk, pixel_calls)
@@ -259,6 +288,12 @@ def test_every_class_with_every_label(pair):
 
 def test_every_name(pair):
     pair.check([{"op": "verbose", "value": value} for value in range(-3, 103)])
+
+
+def test_bits_of_every_mirror_id(pair):
+    pair.check([{"op": "set", "name": name, "value": 0, "id": id} for name, ids in
+                (("SetMirrorPresent", (1, 3, 6)), ("SetMirrorDataPresent", (2, 5))) for id in ids]
+               + [{"op": "get", "name": name, "id": id} for name in oracle.BITS for id in [*range(70), 2**32 - 1]])
 
 
 @examples(400)
