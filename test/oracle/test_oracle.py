@@ -205,7 +205,7 @@ def stored(kind, length):
 
 headers = st.fixed_dictionaries({"fUniqueID": u32, **{
     name: stored(kind, length) for name, kind, length, since, _ in oracle.FIELDS if since}})
-wrong_counts = st.dictionaries(st.sampled_from(oracle.COUNTED), st.one_of(st.integers(-1, 13), i32), max_size=1)
+wrong_counts = st.dictionaries(st.sampled_from(oracle.COUNTED), st.one_of(st.integers(-1, 13), i32), min_size=1)
 
 
 def read_header(version, header, before, counts={}, extra=b"", hidden=0, cut=0):
@@ -218,10 +218,11 @@ before = st.integers(0, 3)
 good_headers = st.builds(read_header, st.integers(4, 8), headers, before)
 odd_headers = st.builds(read_header, st.one_of(st.integers(4, 8), st.just(10), st.integers(-1, 3)), headers, before,
                         extra=st.binary(max_size=40))
-bad_headers = st.builds(read_header, st.integers(4, 8), headers, before, counts=wrong_counts,
-                        cut=st.one_of(st.just(0), st.integers(0, 400)),
+miscounted_headers = st.builds(read_header, st.just(4), headers, before, counts=wrong_counts)
+cuts = st.one_of(st.just(0), st.integers(0, 2), st.integers(0, 400))
+cut_headers = st.builds(read_header, st.integers(4, 8), headers, before, cut=cuts,
                         hidden=st.one_of(st.just(0), st.integers(0, 40)))
-reads = st.one_of(good_headers, good_headers, odd_headers, bad_headers)
+reads = st.one_of(good_headers, good_headers, odd_headers, miscounted_headers, cut_headers)
 
 
 def read_list(version, stn, bits, before, length=90, wrong=0, lie=0, cut=0):
@@ -246,7 +247,7 @@ list_reads = st.one_of(
     st.builds(read_list, list_versions, stations, bit_sets, before, wrong=st.integers(-1, 2)),
     st.builds(read_list, list_versions, stations, bit_sets, before, length=st.integers(0, 93)),
     st.builds(read_list, list_versions, stations, bit_sets, before, length=st.integers(85, 93),
-              lie=st.one_of(st.just(1), st.integers(0, 2**32 - 1)), cut=st.one_of(st.just(0), st.integers(0, 400))))
+              lie=st.one_of(st.just(1), st.integers(0, 2**32 - 1)), cut=cuts))
 walk = op("walk")
 station_pixels = st.one_of(st.integers(1, 34), st.integers(2878, 2884), st.integers(1, 14400), i16)
 pixel_calls = st.one_of(*[op(name, pixel=station_pixels)
@@ -294,6 +295,13 @@ def test_bits_of_every_mirror_id(pair):
     pair.check([{"op": "set", "name": name, "value": 0, "id": id} for name, ids in
                 (("SetMirrorPresent", (1, 3, 6)), ("SetMirrorDataPresent", (2, 5))) for id in ids]
                + [{"op": "get", "name": name, "id": id} for name in oracle.BITS for id in [*range(70), 2**32 - 1]])
+
+
+def test_of_equal_times_the_lower_mirror_is_the_earliest(pair):
+    both = [{"op": "set", "name": "SetMirrorDataPresent", "value": 0, "id": id} for id in (1, 2)]
+    pair.check(both + [command for nsec in (9, 5) for command in (
+        {"op": "set_raw_time", "id": 1, "sec": 10**9, "nsec": nsec},
+        {"op": "set_raw_time", "id": 2, "sec": 10**9, "nsec": 5}, {"op": "adjust"})])
 
 
 @examples(400)
