@@ -334,6 +334,13 @@ def test_old_pixel_list(pair, commands, level):
     pair.check(commands, level)
 
 
+def test_pixels_around_the_end_of_a_vector(pair):
+    for length, pixels in ((3, (90, 95, 96, 97, 1999, 2000)), (90, (2879, 2880)), (91, (2879, 2880))):
+        pair.check([read_list(2, 0, 2**2912 - 1 if length > 90 else 0, 0, length=length)]
+                   + [{"op": name, "pixel": pixel} for name in ("add_pixel", "test_pixel", "remove_pixel", "test_pixel")
+                      for pixel in pixels])
+
+
 @examples(400)
 @given(several(pixel_calls, pixel_calls, pixel_calls, walk, list_reads, level, most=16), levels)
 def test_pixel_list(pair, commands, level):
