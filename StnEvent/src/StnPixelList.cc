@@ -245,7 +245,8 @@ void TStnPixelList::AddPixel(_VdPixelNumber* pixel) {
 }
 
 void TStnPixelList::SetPixel(UInt_t stn_pixel) {
-  UInt_t& word = fPixelVector[(stn_pixel - 1) / 32];
+  const UInt_t element = (stn_pixel - 1) / 32;
+  UInt_t& word = fPixelVector[element];
   const UInt_t mask = 1U << (stn_pixel - 1) % 32;
   if (word & mask) {
     VD_WARNING << "TStnPixelList::AddPixel(" << stn_pixel << ") - "
@@ -254,6 +255,8 @@ void TStnPixelList::SetPixel(UInt_t stn_pixel) {
   }
   word |= mask;
   ++fNPixels;
+  // A list that was read with fewer words grows, or the next writer would leave the pixel out.
+  if (element >= fPixelVectorSize) fPixelVectorSize = kNWords;
 }
 
 void TStnPixelList::AddPixelList(TMirrorPixelList* list) {

@@ -116,6 +116,14 @@ class TList3 : public TListOf<kStn> {
 
 using Pixels = std::vector<UInt_t>;
 
+/// The words of a whole vector with these pixels.
+std::vector<UInt_t> Words(const Pixels& pixels) {
+  std::vector<UInt_t> words(90);
+  for (UInt_t pixel : pixels)
+    words[(pixel - 1) / 32] |= 1U << (pixel - 1) % 32;
+  return words;
+}
+
 class StnPixelListStreamerTest : public testing::Test {
  protected:
   void TearDown() override { TStnEvent::fgPrintLevel = 0; }
@@ -141,12 +149,6 @@ class StnPixelListRefusalTest : public StnPixelListStreamerTest {
                 testing::MatchesRegex("ERR:TStnPixelList::Streamer\\(\\) - [A-Za-z ]+: found [0-9]+( bytes)?, "
                                       "expected (at most )?[0-9]+\n"));
     EXPECT_EQ(list.GetText(), before);
-  }
-  static std::vector<UInt_t> Words(const Pixels& pixels) {
-    std::vector<UInt_t> words(90);
-    for (UInt_t pixel : pixels)
-      words[(pixel - 1) / 32] |= 1U << (pixel - 1) % 32;
-    return words;
   }
 };
 
@@ -302,6 +304,28 @@ TEST_F(StnPixelListStreamerTest, ListWithAShortVectorTakesEveryPixel) {
   Read(list, Version4(kStn, 1, {1}));
   list.Add(2880);
   EXPECT_EQ(list.GetPixels(), Pixels({1, 2880}));
+}
+
+TEST_F(StnPixelListStreamerTest, PixelBeyondAShortVectorIsWrittenWithAWholeOne) {
+  TList3 list;
+  Read(list, Version4(kStn, 1, {1, 0, 0}));
+  list.Add(97);
+  EXPECT_EQ(Written(list), Version4(kStn, 2, Words({1, 97})));
+}
+
+TEST_F(StnPixelListStreamerTest, PixelInsideAShortVectorLeavesItsSize) {
+  TList3 list;
+  Read(list, Version4(kStn, 1, {1, 0, 0}));
+  list.Add(96);
+  EXPECT_EQ(Written(list), Version4(kStn, 2, {1, 0, 0x80000000}));
+}
+
+TEST_F(StnPixelListStreamerTest, PixelBeyondAShortVectorReadsBack) {
+  TList3 list, target;
+  Read(list, Version2(1, {1}));
+  list.Add(2880);
+  Read(target, Written(list));
+  EXPECT_EQ(target.GetPixels(), Pixels({1, 2880}));
 }
 
 TEST_F(StnPixelListStreamerTest, ClearMakesAShortVectorWhole) {

@@ -454,6 +454,8 @@ class Oracle:
             return self.say("WRN", f"TStnPixelList::AddPixel({place}) - tried to add pixel again to list - ignored!")
         self.list.bits |= 1 << place - 1
         self.list.count = u32(self.list.count + 1)
+        if place > 32 * self.list.size:
+            self.list.size = 90
 
     def add_traces(self, event, words, stn, mirror):
         self.traces = self.traces or {0: None}  # no trace has number 0, and a dictionary with it is true
