@@ -1,5 +1,7 @@
 #include "HeaderTable.h"
 
+#include "HeaderNames.h"
+
 #include <VdUtil/VdNumbering.h>
 
 #include <iomanip>
@@ -32,12 +34,6 @@ std::string FormatLine(const std::vector<std::string>& cells) {
   return text.substr(0, text.find_last_not_of(' ') + 1) + "\n";
 }
 
-// The names stand in quote marks, and the longer ones explain themselves behind a dash.
-std::string GetShortName(const std::string& name) {
-  std::string bare = name.front() == '\'' ? name.substr(1, name.size() - 2) : name;
-  return bare.substr(0, bare.find(" - "));
-}
-
 std::string GetMirrors(const TStnEventHeader& header) {
   std::string mirrors;
   for (UInt_t mirror = 1; mirror <= VdUtil::Vd::kSTN_NMIRRORS; ++mirror) {
@@ -60,17 +56,16 @@ std::string FormatTableHead() {
 
 std::string FormatTableRow(UInt_t entry, const TStnEventHeader& header) {
   const VdRoot::TTimeStamp& time = *header.GetTimeStamp();
-  std::vector<std::string> cells = {
-      std::to_string(entry),
-      std::to_string(header.GetEventNo()),
-      std::to_string(time.GetGPSSec()),
-      std::to_string(time.GetNanoSec()),
-      time.AsString("i"),
-      GetShortName(TStnEventHeader::GetVerboseEventType(header.GetEventType())),
-      GetShortName(TStnEventHeader::GetVerboseEventClass(header.GetEventClass())),
-      GetMirrors(header),
-      header.GetT3Id() == 0 ? "-" : std::to_string(header.GetT3Id()),
-      GetShortName(TStnEventHeader::GetVerboseTimeCorrectionQuality(header.GetTimeCorrectionQuality()))};
+  std::vector<std::string> cells = {std::to_string(entry),
+                                    std::to_string(header.GetEventNo()),
+                                    std::to_string(time.GetGPSSec()),
+                                    std::to_string(time.GetNanoSec()),
+                                    time.AsString("i"),
+                                    GetShortName(header.GetEventType()),
+                                    GetShortName(header.GetEventClass()),
+                                    GetMirrors(header),
+                                    header.GetT3Id() == 0 ? "-" : std::to_string(header.GetT3Id()),
+                                    GetShortName(header.GetTimeCorrectionQuality())};
   for (UInt_t mirror = 1; mirror <= VdUtil::Vd::kSTN_NMIRRORS; ++mirror) {
     cells.push_back(header.IsMirrorDataPresent(mirror) ? std::to_string(header.GetMirrorTimeOffset(mirror)) : "-");
   }

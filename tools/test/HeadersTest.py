@@ -1,3 +1,5 @@
+import csv
+import json
 import unittest
 
 from programs import InputRefusals, ProgramTest
@@ -37,6 +39,32 @@ class HeadersTest(InputRefusals, ProgramTest):
     def test_lists_nothing_of_an_empty_run(self):
         self.simulate("none.root", "-n", "0")
         self.assertEqual(self.entries("none.root"), [])
+
+    def test_lists_what_is_selected(self):
+        self.simulate("run.root", "-n", "6")
+        self.assertEqual(self.entries("run.root", "--class", "shower", "--mirror", "3", "--number", "4-6"), [3, 4])
+
+    def test_counts_entries_before_it_selects(self):
+        self.simulate("run.root", "-n", "6")
+        self.assertEqual(self.entries("run.root", "--class", "shower", "--count", "4"), [3])
+
+    def test_refuses_a_selection_that_makes_no_sense(self):
+        self.assertEqual(
+            self.run_program(self.PROGRAM, "run.root", "--number", "6-4"),
+            (2, "", "'6-4' is not a range from the lower number to the higher\nRun with --help for more information.\n"),
+        )
+
+    def test_writes_lines_of_json(self):
+        self.simulate("run.root", "-n", "6")
+        records = [json.loads(line) for line in self.list("run.root", "--format", "jsonl", "--mirror", "6").splitlines()]
+        self.assertEqual([record["entry"] for record in records], [0, 1, 3, 5])
+        self.assertEqual(records[3]["fMirrorTimeOffset"], [0, 200, 200, 200, 0, 0])
+
+    def test_writes_comma_separated_values(self):
+        self.simulate("run.root", "-n", "6")
+        rows = list(csv.DictReader(self.list("run.root", "--format", "csv").splitlines()))
+        self.assertEqual([row["fTimeStamp"] for row in rows][0], "2024-05-17T16:53:03.859905908Z")
+        self.assertEqual([row["fRawMirrorTime_1"] == "" for row in rows], [True, True, False, True, False, False])
 
     def test_refuses_a_first_entry_behind_the_last(self):
         self.simulate("run.root", "-n", "6")
