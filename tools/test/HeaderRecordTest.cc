@@ -1,7 +1,8 @@
 #include "HeaderRecord.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 using namespace StnTools;
 using VdRoot::TTimeStamp;
