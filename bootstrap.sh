@@ -140,7 +140,7 @@ check() {
   build release -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
 
   say "clang-tidy"
-  git ls-files '*/src/*.cc' 'VdUtil/root/*.cc' | xargs -P "$(nproc)" -n 1 clang-tidy -p build/release --quiet \
+  git ls-files '*/src/*.cc' 'VdUtil/root/*.cc' 'python/lib/*.cc' | xargs -P "$(nproc)" -n 1 clang-tidy -p build/release --quiet \
     2> >(grep -v 'warnings generated' >&2) || die "clang-tidy has findings"
 
   # One instrumented build serves sanitizers and coverage. The compiler warns of what is not so in instrumented code.
