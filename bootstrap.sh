@@ -10,6 +10,8 @@ usage() {
 Usage: ./bootstrap.sh COMMAND
   demo    build the libraries and tools, simulate a run, show it and check that it reads back as it was written
   test    build everything and run all tests
+  bench   measure speed and size beside ROOT's own formats, about 10 minutes, and renew the tables of docs/performance.md;
+          bench --quick: in about a minute, tables in build/performance.md; files go to $TMPDIR or /tmp
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, sanitizers, line coverage
 Each installs what it needs (Debian packages as root, ROOT into .venv unless ROOT_DIR or thisroot.sh names one)
 and uses again what is there already.
@@ -118,17 +120,34 @@ demo() {
 
 run_test_command() {
   # shellcheck disable=SC2086
-  need_packages $BUILD_PACKAGES $TEST_PACKAGES
+  need_packages $BUILD_PACKAGES $TEST_PACKAGES $BENCH_PACKAGES
   find_root
   # shellcheck disable=SC2086
   need_python $TEST_PYTHON
-  build release -DBUILD_TESTING=ON
+  build release -DBUILD_TESTING=ON -DSTN_BUILD_BENCH=ON
   run_tests release
+}
+
+bench() { # [--quick]
+  local page=docs/performance.md
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $BENCH_PACKAGES
+  find_root
+  build release -DBUILD_TESTING=OFF -DSTN_BUILD_BENCH=ON
+  say "Measuring; how far it is: tail -f build/bench.log"
+  build/release/bin/stn_bench "$@" --benchmark_out=build/bench.json --benchmark_out_format=json > build/bench.log 2>&1 ||
+    die "the benchmarks failed: see build/bench.log"
+  if [[ ${1:-} == --quick ]]; then
+    cp "$page" build/performance.md
+    page=build/performance.md
+  fi
+  python3 bench/report.py build/bench.json "$page" || die "there are no tables: see build/bench.json"
+  say "Results are in build/bench.json, tables in $page"
 }
 
 check() {
   # shellcheck disable=SC2086
-  need_packages $BUILD_PACKAGES $TEST_PACKAGES $CHECK_PACKAGES
+  need_packages $BUILD_PACKAGES $TEST_PACKAGES $BENCH_PACKAGES $CHECK_PACKAGES
   find_root
   # shellcheck disable=SC2086
   need_python $TEST_PYTHON
@@ -137,7 +156,7 @@ check() {
   git ls-files '*.h' '*.cc' | xargs clang-format --dry-run -Werror || die "run clang-format -i on the files above"
 
   say "Warnings as errors"
-  build release -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
+  build release -DBUILD_TESTING=ON -DSTN_BUILD_BENCH=ON -DSTN_WARNINGS_AS_ERRORS=ON
 
   say "clang-tidy"
   git ls-files '*/src/*.cc' 'VdUtil/root/*.cc' 'python/lib/*.cc' | xargs -P "$(nproc)" -n 1 clang-tidy -p build/release --quiet \
@@ -157,6 +176,7 @@ mkdir -p build
 case "${1:-}" in
   demo) demo ;;
   test) run_test_command ;;
+  bench) bench "${@:2}" ;;
   check) check ;;
   -h | --help | help) usage ;;
   *)
