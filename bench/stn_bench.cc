@@ -17,6 +17,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <iostream>
 #include <map>
 #include <set>
 
@@ -355,7 +356,7 @@ Scale TakeScale(int& argc, char** argv) {
 }  // namespace
 }  // namespace StnBench
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   StnBench::Suite suite(StnBench::TakeScale(argc, argv));
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
@@ -365,4 +366,7 @@ int main(int argc, char** argv) {
   suite.Register();
   benchmark::RunSpecifiedBenchmarks();
   return 0;
+} catch (const std::exception& error) {
+  std::cerr << "stn_bench: " << error.what() << std::endl;
+  return 1;
 }
