@@ -24,7 +24,7 @@ function(stn_library name)
 
   add_library(${name} SHARED ${ARG_SOURCES})
   add_library(StnEvent::${name} ALIAS ${name})
-  set_target_properties(${name} PROPERTIES VERSION ${ARG_VERSION} SOVERSION ${major})
+  set_target_properties(${name} PROPERTIES VERSION ${ARG_VERSION} SOVERSION ${major} STN_HEADERS "${ARG_HEADERS}")
   target_compile_features(${name} PUBLIC cxx_std_17)
   target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${CMAKE_BINARY_DIR}/include>
                              $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

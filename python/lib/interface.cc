@@ -2,6 +2,8 @@
 
 #include "EventReader.h"
 
+#include <TInterpreter.h>
+
 #include <cstdint>
 #include <exception>
 #include <string>
@@ -31,6 +33,9 @@ bool Try(Action action) {
 }  // namespace
 
 extern "C" {
+
+/// Starts ROOT's interpreter, if it was not started before.
+void stn_start_interpreter() { TInterpreter::Instance(); }
 
 /// The reason of the last failure, and the entry that it concerns, -1 if none; good until the next call.
 const char* stn_error(std::int64_t* entry) {

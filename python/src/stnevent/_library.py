@@ -3,14 +3,19 @@ time is in the library, as it requires."""
 
 from __future__ import annotations
 
+import contextlib
 import ctypes
 import functools
+import os
+import sys
+from collections.abc import Iterator
 from pathlib import Path
 from typing import Any
 
 from stnevent import records
 
 _FOLDER = Path(__file__).parent
+_INCLUDE_VARIABLE = "ROOT_INCLUDE_PATH"
 _N_MIRRORS = 6
 
 
@@ -58,6 +63,7 @@ _ADDRESS = ctypes.c_void_p
 
 # Result and arguments of each function of the library.
 _FUNCTIONS: dict[str, tuple[Any, ...]] = {
+    "stn_start_interpreter": (None,),
     "stn_error": (ctypes.c_char_p, ctypes.POINTER(ctypes.c_int64)),
     "stn_open": (_READER, ctypes.c_char_p),
     "stn_close": (None, _READER),
@@ -94,11 +100,32 @@ def _require_same_records(library: ctypes.PyDLL) -> None:
             raise ImportError(f"{library._name} has {name} records of {found} bytes instead of {size}: install again")
 
 
+@contextlib.contextmanager
+def _headers_known_to_root() -> Iterator[None]:
+    """ROOT's interpreter must know where our headers are before it meets our libraries: what it misses then it never
+    looks for again. It takes the folder from the environment when it starts."""
+    headers = str(_FOLDER / "include")
+    if "ROOT" in sys.modules:
+        sys.modules["ROOT"].gInterpreter.AddIncludePath(headers)
+        yield
+        return
+    before = os.environ.get(_INCLUDE_VARIABLE)
+    os.environ[_INCLUDE_VARIABLE] = headers if before is None else f"{headers}:{before}"
+    try:
+        yield
+    finally:
+        os.environ.pop(_INCLUDE_VARIABLE)
+        if before is not None:
+            os.environ[_INCLUDE_VARIABLE] = before
+
+
 @functools.cache
 def library() -> ctypes.PyDLL:
     """The library, loaded at the first call."""
-    # Global, because ROOT's interpreter looks for symbols among those of the process.
-    loaded = ctypes.PyDLL(str(_FOLDER / "lib" / "libStnEventPython.so"), mode=ctypes.RTLD_GLOBAL)
+    with _headers_known_to_root():
+        # Global, because ROOT's interpreter looks for symbols among those of the process.
+        loaded = ctypes.PyDLL(str(_FOLDER / "lib" / "libStnEventPython.so"), mode=ctypes.RTLD_GLOBAL)
+        loaded.stn_start_interpreter()
     for name, (result, *arguments) in _FUNCTIONS.items():
         function = getattr(loaded, name)
         function.restype = result
@@ -111,9 +138,7 @@ def library() -> ctypes.PyDLL:
 def root() -> Any:
     """PyROOT's module `ROOT` with the classes of station files (`TStnEvent`, `TStnEventFile`, ...) loaded, for those who
     want the C++ classes themselves."""
+    library()
     import ROOT
 
-    ROOT.gInterpreter.AddIncludePath(str(_FOLDER / "include"))
-    if ROOT.gSystem.Load(str(_FOLDER / "lib" / "libStnEvent.so")) < 0:
-        raise ImportError(f"{_FOLDER}/lib/libStnEvent.so can't be loaded by ROOT")
     return ROOT
