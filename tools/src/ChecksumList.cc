@@ -1,5 +1,6 @@
 #include "ChecksumList.h"
 
+#include "FileName.h"
 #include "ToolError.h"
 
 #include <nlohmann/json.hpp>
@@ -53,9 +54,15 @@ void ChecksumList::Write(const std::string& path) const {
   for (const EventChecksum& event : fEvents)
     json["events"].push_back(FormatEvent(event));
   json["combined"] = FormatChecksum(GetCombined());
-  std::ofstream file(path);
-  file << json.dump(1) << '\n' << std::flush;
-  if (!file) throw ToolError(kCannotWrite, path + " could not be written: " + std::strerror(errno));
+  std::ofstream file(GetPartName(path));
+  file << json.dump(1) << '\n';
+  file.close();
+  if (!file) {
+    const std::string reason = std::strerror(errno);
+    RemovePart(path);
+    throw ToolError(kCannotWrite, path + " could not be written: " + reason);
+  }
+  FinishPart(path);
 }
 
 std::uint64_t ChecksumList::GetCombined() const {

@@ -1,6 +1,7 @@
 #include "InputFile.h"
 
 #include "FileFrame.h"
+#include "FileName.h"
 #include "ToolError.h"
 
 #include <TKey.h>
@@ -45,7 +46,7 @@ void GuardAgainstCrash(const char* program, const char* path) {
 
 InputFile::InputFile(const std::string& program, const std::string& path) : fPath(path) {
   FileFrame frame = ReadFileFrame(path);
-  fFile = std::make_unique<TStnEventFile>(path.c_str(), "READ");
+  fFile = std::make_unique<TStnEventFile>(GetRootName(path).c_str(), "READ");
   std::string loss = frame.IsCutShort() ? "is cut short, with " + std::to_string(frame.fSize) + " of its " +
                                               std::to_string(frame.fEnd) + " bytes"
                                         : "was not closed by its writer";

@@ -41,7 +41,6 @@ class OutputFile {
   [[noreturn]] void Fail(const std::string& reason, const std::string& advice) const;
 
   std::string fPath;
-  std::string fPartPath;
   Messages fMessages;
   std::unique_ptr<TStnEvent> fOwnedEvent{new TStnEvent};
   // A plain pointer, as the file keeps the address of the variable.

@@ -1,5 +1,6 @@
 #include "ChecksumList.h"
 #include "CommandLine.h"
+#include "FileName.h"
 #include "OutputFile.h"
 #include "ProgressBar.h"
 #include "Simulation.h"
@@ -40,7 +41,7 @@ void AddOptions(CLI::App& app, Options& options) {
       ->check(CLI::Range(0, 509))
       ->capture_default_str();
   app.add_option("--checksums", options.fChecksums, "also write the checksums of the events, for stn-verify");
-  app.add_flag("-f,--force", options.fForce, "replace OUT if it exists");
+  app.add_flag("-f,--force", options.fForce, "replace what exists");
 }
 
 Simulation MakeSimulation(const SimulationSettings& settings) {
@@ -62,8 +63,15 @@ void WriteEvents(const Options& options, Simulation& simulation, OutputFile& fil
   }
 }
 
+void RequireChecksumName(const Options& options) {
+  if (options.fChecksums.empty()) return;
+  if (options.fChecksums == options.fOutput) throw ToolError(kUsage, "OUT and the checksums are two files");
+  RequireNewName(options.fChecksums, options.fForce);
+}
+
 int Simulate(const Options& options) {
   Simulation simulation = MakeSimulation(options.fSettings);
+  RequireChecksumName(options);
   OutputFile file(options.fOutput, options.fForce, options.fCompression);
   ChecksumList checksums;
   TStnRunHeader header;

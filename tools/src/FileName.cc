@@ -1,0 +1,78 @@
+#include "FileName.h"
+
+#include "ToolError.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+namespace StnTools {
+namespace {
+
+namespace fs = std::filesystem;
+
+// ROOT takes what follows one of these for options, a place inside a file, or a variable of the environment.
+const char* const kUnsayable = "?#$";
+
+void RequireSayable(const std::string& path) {
+  if (path.find_first_of(kUnsayable) == std::string::npos && path.back() != ' ') return;
+  throw ToolError(kUsage,
+                  path + " cannot be used: ROOT reads more than a name from ?, # and $ and from a blank at the end; "
+                         "choose another name");
+}
+
+void RequireFree(const std::string& path, bool force, const std::string& advice) {
+  std::error_code error;
+  // Not where a link leads to: what is there is somebody else's.
+  const fs::file_status status = fs::symlink_status(path, error);
+  if (!fs::exists(status)) return;
+  if (!fs::is_regular_file(status))
+    throw ToolError(kCannotWrite, path + " exists and is no plain file; choose another name");
+  if (!force) throw ToolError(kCannotWrite, path + " exists already" + advice);
+}
+
+/// A new name is on disk only when its folder is. Not every file system can be told so; the others need not be.
+void SyncFolder(const std::string& path) {
+  const fs::path folder = fs::path(path).parent_path();
+  const int file = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (file < 0) return;
+  fsync(file);
+  close(file);
+}
+
+}  // namespace
+
+std::string GetRootName(const std::string& path) {
+  if (path.empty()) return path;
+  RequireSayable(path);
+  const bool has_meaning = std::strchr("~ ", path.front()) || path.find(':') != std::string::npos;
+  std::string name = has_meaning && path.front() != '/' ? "./" + path : path;
+  for (std::size_t i; (i = name.find("//")) != std::string::npos;)
+    name.erase(i, 1);
+  return name;
+}
+
+void RequireNewName(const std::string& path, bool force) {
+  RequireFree(path, force, "; choose another name, or --force to replace it");
+  RequireFree(GetPartName(path), force,
+              ", left by a program that was ended or is still at work; save what is in it, or --force to replace it");
+}
+
+std::string GetPartName(const std::string& path) { return path + ".part"; }
+
+void RemovePart(const std::string& path) { unlink(GetPartName(path).c_str()); }
+
+void FinishPart(const std::string& path) {
+  if (std::rename(GetPartName(path).c_str(), path.c_str()) != 0) {
+    const std::string reason = std::strerror(errno);
+    RemovePart(path);
+    throw ToolError(kCannotWrite, path + " could not be written (" + reason + ") and was not kept; choose another place");
+  }
+  SyncFolder(path);
+}
+
+}  // namespace StnTools
