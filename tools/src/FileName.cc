@@ -18,11 +18,9 @@ namespace fs = std::filesystem;
 // ROOT takes what follows one of these for options, a place inside a file, or a variable of the environment.
 const char* const kUnsayable = "?#$";
 
-void RequireSayable(const std::string& path) {
-  if (path.find_first_of(kUnsayable) == std::string::npos && path.back() != ' ') return;
-  throw ToolError(kUsage,
-                  path + " cannot be used: ROOT reads more than a name from ?, # and $ and from a blank at the end; "
-                         "choose another name");
+bool IsSayable(const std::string& path) {
+  return path.find_first_of(kUnsayable) == std::string::npos && path.find(":/") == std::string::npos &&
+         path.back() != ' ';
 }
 
 void RequireFree(const std::string& path, bool force, const std::string& advice) {
@@ -48,12 +46,13 @@ void SyncFolder(const std::string& path) {
 
 std::string GetRootName(const std::string& path) {
   if (path.empty()) return path;
-  RequireSayable(path);
+  if (!IsSayable(path)) {
+    throw ToolError(kUsage, path +
+                                " cannot be used: ROOT reads more than a name from ? # $ :/ and from a blank at the "
+                                "end; choose another name");
+  }
   const bool has_meaning = std::strchr("~ ", path.front()) || path.find(':') != std::string::npos;
-  std::string name = has_meaning && path.front() != '/' ? "./" + path : path;
-  for (std::size_t i; (i = name.find("//")) != std::string::npos;)
-    name.erase(i, 1);
-  return name;
+  return has_meaning && path.front() != '/' ? "./" + path : path;
 }
 
 void RequireNewName(const std::string& path, bool force) {
@@ -70,7 +69,8 @@ void FinishPart(const std::string& path) {
   if (std::rename(GetPartName(path).c_str(), path.c_str()) != 0) {
     const std::string reason = std::strerror(errno);
     RemovePart(path);
-    throw ToolError(kCannotWrite, path + " could not be written (" + reason + ") and was not kept; choose another place");
+    throw ToolError(kCannotWrite,
+                    path + " could not be written (" + reason + ") and was not kept; choose another place");
   }
   SyncFolder(path);
 }

@@ -5,9 +5,8 @@
 
 namespace StnTools {
 
-/// The name under which ROOT opens the file `path` and no other. ROOT takes `~`, `file:` and blanks at the beginning of
-/// a name, and two slashes in it, for more than letters; the name given back says the same file without them. Throws with
-/// `kUsage` for names that cannot be said so.
+/// The name under which ROOT opens the file `path` and no other. ROOT reads more than a name from `~`, `file:` and blanks
+/// at the beginning; the name given back begins otherwise. Throws with `kUsage` for names that cannot be said so.
 std::string GetRootName(const std::string& path);
 
 /// Throws unless a new file may be made in two steps: written under the name `GetPartName(path)`, and then renamed. What

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -64,11 +65,14 @@ TEST(ChecksumListTest, SaysThatAListIsNotWhole) {
 }
 
 TEST(ChecksumListTest, FailsOnAFullDisk) {
+  std::filesystem::remove("full.json.part");
+  std::filesystem::create_symlink("/dev/full", "full.json.part");
   try {
-    MakeList().Write("/dev/full");
+    MakeList().Write("full.json");
     FAIL();
   } catch (const StnTools::ToolError& error) {
     EXPECT_EQ(error.GetCode(), StnTools::kCannotWrite);
-    EXPECT_STREQ(error.what(), "/dev/full could not be written: No space left on device");
+    EXPECT_STREQ(error.what(), "full.json could not be written: No space left on device");
   }
+  EXPECT_FALSE(std::filesystem::exists("full.json"));
 }

@@ -69,13 +69,6 @@ TEST_F(OutputFileTest, RefusesToReplaceAFileUnlessForced) {
             "4 run.root exists already; choose another name, or --force to replace it");
 }
 
-TEST_F(OutputFileTest, RefusesNamesThatRootWouldTakeApart) {
-  for (std::string name : {"a?b.root", "a#b.root"}) {
-    EXPECT_EQ(GetComplaint([&name] { OutputFile file(name, false, 1); }),
-              "2 " + name + " cannot be written: ROOT takes ? and # for parts of a URL; choose another name");
-  }
-}
-
 TEST_F(OutputFileTest, SaysWhyItCannotGetItsName) {
   OutputFile file("run.root", false, 1);
   TStnRunHeader header;

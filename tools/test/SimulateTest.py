@@ -92,8 +92,8 @@ class SimulateTest(ProgramTest):
             (
                 2,
                 "",
-                "stn-simulate: a?b.root cannot be written: ROOT takes ? and # for parts of a URL; "
-                "choose another name\n",
+                "stn-simulate: a?b.root.part cannot be used: ROOT reads more than a name from ? # $ :/ and from "
+                "a blank at the end; choose another name\n",
             ),
         )
         self.assertEqual(os.listdir(self.folder), [])
