@@ -1,8 +1,9 @@
-# stn_library(NAME VERSION v HEADERS h... SOURCES s... LINKDEF f LINK libs...)
+# stn_library(NAME VERSION v HEADERS h... SOURCES s... [LINKDEF f] LINK libs... [EXPORT set])
 #
-# One library with its ROOT dictionary. Headers are named as users include them (<StnEvent/StnEvent.h>); the folder
+# One library, with its ROOT dictionary if there is a LINKDEF, exported with StnEventTargets or another set. Headers are named as users include them (<StnEvent/StnEvent.h>); the folder
 # links below make the same spelling work in the source tree.
-foreach(link "StnEvent=StnEvent/src" "MrEvent=MrEvent/src" "VdUtil=VdUtil/src" "VdRoot=VdUtil/root")
+foreach(link "StnEvent=StnEvent/src" "MrEvent=MrEvent/src" "VdUtil=VdUtil/src" "VdRoot=VdUtil/root"
+        "StnFrame=StnFrame/src")
   string(REPLACE "=" ";" link "${link}")
   list(GET link 0 name)
   list(GET link 1 folder)
@@ -19,7 +20,7 @@ function(stn_compile_options target)
 endfunction()
 
 function(stn_library name)
-  cmake_parse_arguments(ARG "" "VERSION;LINKDEF" "HEADERS;SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "VERSION;LINKDEF;EXPORT" "HEADERS;SOURCES;LINK" ${ARGN})
   string(REGEX MATCH "^[0-9]+" major "${ARG_VERSION}")
 
   add_library(${name} SHARED ${ARG_SOURCES})
@@ -31,11 +32,16 @@ function(stn_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINK})
   stn_compile_options(${name})
 
-  root_generate_dictionary(${name}Dict ${ARG_HEADERS} MODULE ${name} LINKDEF ${ARG_LINKDEF} NO_CXXMODULE)
-  # What ROOT generates is not ours to keep free of warnings.
-  target_compile_options(${name}Dict PRIVATE -w)
+  if(ARG_LINKDEF)
+    root_generate_dictionary(${name}Dict ${ARG_HEADERS} MODULE ${name} LINKDEF ${ARG_LINKDEF} NO_CXXMODULE)
+    # What ROOT generates is not ours to keep free of warnings.
+    target_compile_options(${name}Dict PRIVATE -w)
+  endif()
+  if(NOT ARG_EXPORT)
+    set(ARG_EXPORT StnEventTargets)
+  endif()
 
-  install(TARGETS ${name} EXPORT StnEventTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(TARGETS ${name} EXPORT ${ARG_EXPORT} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   foreach(header ${ARG_HEADERS})
     get_filename_component(folder "${header}" DIRECTORY)
     install(FILES "${CMAKE_BINARY_DIR}/include/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}")

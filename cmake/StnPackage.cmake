@@ -3,6 +3,9 @@ include(CMakePackageConfigHelpers)
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/StnEvent")
 
 install(EXPORT StnEventTargets NAMESPACE StnEvent:: DESTINATION "${package_dir}")
+if(TARGET StnFrame)
+  install(EXPORT StnFrameTargets NAMESPACE StnEvent:: DESTINATION "${package_dir}")
+endif()
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/StnEventConfig.cmake.in" "${CMAKE_BINARY_DIR}/StnEventConfig.cmake"
                               INSTALL_DESTINATION "${package_dir}")
 write_basic_package_version_file("${CMAKE_BINARY_DIR}/StnEventConfigVersion.cmake" COMPATIBILITY SameMajorVersion)

@@ -33,6 +33,9 @@ awk -v names="builder analyst" 'BEGIN { split(names, name) }
 
 event="station 2, event 77, mirror bits 4, GPS second 1000000000, last pixel 2880"
 check "CMake package" "$event" by-cmake/consumer
+if [[ -e $lib/libStnFrame.so ]]; then
+  check "data frames" "1 entries, mean event number 77" by-cmake/frame
+fi
 check "autoloading" "TStnEvent 5; TFADCData 1; VdRoot::TTimeStamp 1; " \
   env LD_LIBRARY_PATH="$lib" LD_PRELOAD="${PRELOAD:-}" by-cmake/autoload
 by-cmake/builder

@@ -14,6 +14,7 @@
 #include <TObjArray.h>
 #include <TStreamerElement.h>
 #include <TString.h>
+#include <TVirtualRWMutex.h>
 #include <TVirtualStreamerInfo.h>
 
 #include <algorithm>
@@ -244,6 +245,8 @@ Int_t GetSizeOnFile(const TStreamerElement& element) {
 Int_t GetMinSize(Version_t version) {
   TClass* const header = TStnEventHeader::Class();
   header->GetStreamerInfo();  // makes today's, should nothing have asked for it yet
+  // Another thread may be opening a file with a version of its own, which makes the table longer.
+  R__READ_LOCKGUARD(ROOT::gCoreMutex);
   const TObjArray* const infos = header->GetStreamerInfos();
   if (version >= infos->GetSize() || !infos->At(version)) return 0;
   Int_t size = 0;
