@@ -3,8 +3,6 @@
 #include <StnEvent/StnEventHeader.h>
 #include <VdUtil/VdNumbering.h>
 
-#include <TClass.h>
-
 #include <string>
 #include <type_traits>
 
@@ -33,22 +31,14 @@ RVec<UInt_t> GetTriggerSources(const Header& header) {
   return RVec<UInt_t>(sources.begin(), sources.end());
 }
 
-/// The raw times of all mirrors; the getter has none for mirrors without data.
-class RawMirrorTimes {
- public:
-  RawMirrorTimes() : fOffset(Header::Class()->GetDataMemberOffset("fRawMirrorTime")) {}
-
-  RVec<Long64_t> operator()(const Header& header) const {
-    const auto* times = reinterpret_cast<const VdRoot::TTimeStamp*>(reinterpret_cast<const char*>(&header) + fOffset);
-    RVec<Long64_t> values(Vd::kSTN_NMIRRORS);
-    for (UInt_t i = 0; i < values.size(); ++i)
-      values[i] = GetUnixNanoSec(times[i]);
-    return values;
+RVec<Long64_t> GetRawMirrorTimes(const Header& header) {
+  RVec<Long64_t> values(Vd::kSTN_NMIRRORS);
+  for (UInt_t i = 0; i < values.size(); ++i) {
+    const auto* time = header.GetRawMirrorTimeStamp(i + 1);
+    values[i] = time ? GetUnixNanoSec(*time) : kNoTime;
   }
-
- private:
-  Long_t fOffset;
-};
+  return values;
+}
 
 Float_t GetT10(const Header& header) {
   Float_t t10 = 0, offset = 0;
@@ -91,7 +81,7 @@ ROOT::RDF::RNode HeaderColumns(ROOT::RDF::RNode node) {
   define("fT10Mhz", &GetT10);
   define("fOffset", &GetOffset);
   define("fMirrorTimeOffset", &PerMirror<&Header::GetMirrorTimeOffset>);
-  define("fRawMirrorTime", RawMirrorTimes());
+  define("fRawMirrorTime", &GetRawMirrorTimes);
   define("fTriggerTimeStamp", &PerMirror<&Header::GetTriggerTimeStamp>);
   define("fDeadTimeCounter", &PerMirror<&Header::GetDeadTimeCounter>);
   define(

@@ -3,8 +3,13 @@
 
 #include <ROOT/RDataFrame.hxx>
 
+#include <limits>
+
 /// Station files in ROOT's data frames.
 namespace StnEvent::RDF {
+
+/// The raw time of a mirror without data; NumPy reads it as "not a time".
+constexpr Long64_t kNoTime = std::numeric_limits<Long64_t>::min();
 
 /// The data frame of `StnEventTree` with one more column for each field of the event header, under the field's name on
 /// file: `fEventNumber`, `fTimeStamp`, `fDeadTimeCounter` and so on. Works on a chain of files whose headers are of
@@ -18,8 +23,7 @@ namespace StnEvent::RDF {
 /// | times | `Long64_t`, nanoseconds since 1970-01-01 UTC without leap seconds |
 /// | six values, one for each mirror | `ROOT::RVec` of the type above, mirror `i + 1` at index `i` |
 ///
-/// Values are those of `TStnEventFile::ReadEventHeader`. `fRawMirrorTime` has six elements, also for mirrors without
-/// data: see `fMirrorDataBits`. Throws `std::runtime_error` if the data frame lacks the column `fEventHeader`, or has
+/// Values are those of `TStnEventFile::ReadEventHeader`. `fRawMirrorTime` is `kNoTime` for mirrors without data. Throws `std::runtime_error` if the data frame lacks the column `fEventHeader`, or has
 /// one of the new columns already.
 ROOT::RDF::RNode HeaderColumns(ROOT::RDF::RNode node);
 

@@ -2,7 +2,6 @@
 
 #include <StnFrame/HeaderColumns.h>
 
-#include <Members.h>
 #include <StnEvent/StnEventFile.h>
 #include <old/Fields.h>
 
@@ -36,7 +35,10 @@ Strings GetFiles() {
 
 const std::set<std::string> kTimes = {"fTimeStamp", "fRawMirrorTime", "fT3TimeAtGround"};
 
-std::string TimeText(Long64_t ns) { return old_files::Text(ns / 1000000000) + "." + old_files::Text(ns % 1000000000); }
+std::string TimeText(Long64_t ns) {
+  if (ns == StnEvent::RDF::kNoTime) return "-";
+  return old_files::Text(ns / 1000000000) + "." + old_files::Text(ns % 1000000000);
+}
 
 template <typename T>
 std::string ValueText(const std::string& name, const T& value) {
@@ -48,12 +50,6 @@ std::string ValueText(const std::string& name, const RVec<T>& values) {
   return old_files::Join(values.size(), [&](unsigned i) { return ValueText(name, values[i]); });
 }
 
-std::string ExpectedText(const old_files::HeaderField& field, TStnEventHeader& header) {
-  if (field.fName != "fRawMirrorTime") return field.fRead(header);
-  const auto& times = Member<VdRoot::TTimeStamp[6]>(header, "fRawMirrorTime");
-  return old_files::Join(6, [&](unsigned i) { return old_files::Text(times[i]); });
-}
-
 Strings ReadRows(const Strings& files) {
   Strings rows;
   for (const auto& name : files) {
@@ -63,7 +59,7 @@ Strings ReadRows(const Strings& files) {
       EXPECT_TRUE(file.ReadEventHeader(&header));
       std::string row;
       for (const auto& field : old_files::GetHeaderFields())
-        row += field.fName + "=" + ExpectedText(field, *header) + "\n";
+        row += field.fName + "=" + field.fRead(*header) + "\n";
       rows.push_back(row);
     }
   }
