@@ -1,7 +1,8 @@
 # stn_library(NAME VERSION v HEADERS h... SOURCES s... [LINKDEF f] LINK libs... [EXPORT set])
 #
-# One library, with its ROOT dictionary if there is a LINKDEF, exported with StnEventTargets or another set. Headers are named as users include them (<StnEvent/StnEvent.h>); the folder
-# links below make the same spelling work in the source tree.
+# One library, with its ROOT dictionary if there is a LINKDEF, exported with StnEventTargets or another set. Headers are
+# named as users include them (<StnEvent/StnEvent.h>); the folder links below make the same spelling work in the source
+# tree.
 foreach(link "StnEvent=StnEvent/src" "MrEvent=MrEvent/src" "VdUtil=VdUtil/src" "VdRoot=VdUtil/root"
         "StnFrame=StnFrame/src")
   string(REPLACE "=" ";" link "${link}")
