@@ -1,9 +1,11 @@
 #include "FileFrame.h"
 
+#include "ByteReader.h"
 #include "ToolError.h"
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -15,12 +17,20 @@ namespace {
 // this version on, files above 2 GB, the end takes eight bytes.
 const std::uint64_t kLargeFileVersion = 1000000;
 const std::uint64_t kFrameBytes = 20;
+const std::uint64_t kFirstRecord = 100;
 
-std::uint64_t GetNumber(const unsigned char* bytes, int n) {
-  std::uint64_t number = 0;
-  for (int i = 0; i < n; ++i)
-    number = number << 8 | bytes[i];
-  return number;
+// What the header of a file says: version, place of the first record, end, places of the free space and of its list, sizes
+// of these and of the name, size of a place, compression.
+FileFrame ReadHeader(std::uint64_t size, ByteReader header) {
+  const std::uint64_t first_setting_that_does_not_exist = 600;
+  header.Skip(4);
+  std::size_t place_size = header.Number(4) >= kLargeFileVersion ? 8 : 4;
+  header.Skip(4);
+  std::uint64_t end = header.Number(place_size);
+  header.Skip(place_size + 13);
+  std::uint64_t setting = header.Number(4);
+  bool is_setting = header.IsGood() && setting < first_setting_that_does_not_exist;
+  return {size, end, is_setting ? static_cast<int>(setting) : 1};
 }
 
 std::uint64_t GetFileSize(const std::string& path) {
@@ -41,14 +51,13 @@ FileFrame ReadFileFrame(const std::string& path) {
   if (!file)
     throw ToolError(kCannotOpen, path + " cannot be opened: " + std::strerror(errno) + "; check its permissions");
   if (size == 0) throw ToolError(kCannotOpen, path + " is empty; write or copy it again");
-  unsigned char bytes[kFrameBytes] = {};
-  file.read(reinterpret_cast<char*>(bytes), kFrameBytes);
+  char bytes[kFirstRecord] = {};
+  file.read(bytes, kFirstRecord);
   if (std::memcmp(bytes, "root", 4) != 0) {
     throw ToolError(kCannotOpen, path + " is not a ROOT file; name a station file");
   }
   if (size < kFrameBytes) throw ToolError(kDamage, path + " is cut short; copy or write it again");
-  bool is_large = GetNumber(bytes + 4, 4) >= kLargeFileVersion;
-  return {size, GetNumber(bytes + 12, is_large ? 8 : 4)};
+  return ReadHeader(size, ByteReader(bytes, std::min(size, kFirstRecord)));
 }
 
 }  // namespace StnTools

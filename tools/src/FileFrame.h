@@ -10,6 +10,7 @@ namespace StnTools {
 struct FileFrame {
   std::uint64_t fSize;  ///< bytes that are there
   std::uint64_t fEnd;   ///< bytes that a ROOT file says it has; 0 if it is none, or if its writer has not ended it
+  int fCompression;     ///< ROOT's setting for what is written to it; 1 if the file names none that exists
 
   /// Did the file have more bytes once?
   bool IsCutShort() const { return fEnd > fSize; }

@@ -24,7 +24,7 @@ bool IsError(const std::string& line) {
 
 }  // namespace
 
-Messages::Messages() {
+Messages::Messages() : fOuter(gMessages) {
   gMessages = this;
   fRootHandler = SetErrorHandler(HandleRoot);
   auto& logger = VdUtil::ErrorLogger::GetInstance();
@@ -34,9 +34,9 @@ Messages::Messages() {
 
 Messages::~Messages() {
   TakeLog();
-  VdUtil::ErrorLogger::GetInstance().SetStream(&std::clog);
+  VdUtil::ErrorLogger::GetInstance().SetStream(fOuter == nullptr ? &std::clog : &fOuter->fLog);
   SetErrorHandler(fRootHandler);
-  gMessages = nullptr;
+  gMessages = fOuter;
 }
 
 void Messages::Clear() {

@@ -9,8 +9,8 @@
 namespace StnTools {
 
 /// Keeps what ROOT and the library's logger say, so that a program can put it into one line of its own. Errors are
-/// held back, warnings of the logger are passed on to the standard error stream, the rest is dropped. There is one at a
-/// time; at its end ROOT and the logger write as before.
+/// held back, warnings of the logger are passed on to the standard error stream, the rest is dropped. The one
+/// that was made last hears everything until its end; then the one before does, or ROOT and the logger write as before.
 class Messages {
  public:
   Messages();
@@ -28,6 +28,7 @@ class Messages {
   static void HandleRoot(int level, bool abort, const char* location, const char* message);
   void TakeLog();
 
+  Messages* fOuter;
   ErrorHandlerFunc_t fRootHandler;
   std::ostringstream fLog;
   std::string fFirstError;

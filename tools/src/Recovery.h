@@ -1,0 +1,72 @@
+#ifndef tools_Recovery_h
+#define tools_Recovery_h
+
+#include "BasketTable.h"
+#include "OutputFile.h"
+#include "RecordFile.h"
+#include "TreeRecord.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace StnTools {
+
+/// Brings the contents of a station file together from its records, without its tree if need be, and writes them to
+/// another.
+///
+/// An event is whole if all its parts are in baskets that can be read to the end. The parts of one event are found by
+/// counting entries, for which see `BasketTable`; only baskets that could be unpacked and whose counts agree take part.
+class Recovery {
+ public:
+  /// Asked before each step that takes apart what a damaged file holds; if it answers false, the step is left out.
+  using Step = std::function<bool(const std::string& step)>;
+
+  /// Finds out what is there. Throws as `RecordFile`, and with `kCannotOpen` if nothing of a station file is.
+  Recovery(const std::string& path, const Step& step);
+
+  /// Number of trees in the file; they count from 1.
+  std::size_t GetNTrees() const { return fTables.size(); }
+  /// Number of events of which anything of a tree is there.
+  std::uint64_t GetNEvents(std::size_t tree) const { return fTables.at(tree - 1).GetNEntries(); }
+  /// ROOT's setting for what the file's writer wrote.
+  int GetCompression() const { return fFile.GetFrame().fCompression; }
+
+  /// What `Write` did.
+  struct Summary {
+    std::uint64_t fNWhole = 0;         ///< events that are there with all their parts; all are written
+    std::uint64_t fNPartial = 0;       ///< events of which something is missing
+    std::uint64_t fNWritten = 0;       ///< events that were written
+    bool fHasRunHeader = false;        ///< was one written?
+    bool fHasRunTrailer = false;       ///< was one written?
+    std::vector<std::string> fLosses;  ///< what is missing, each in one line
+  };
+
+  /// Writes the run header, the events of a tree (0 for none) and the run trailer to `output`. Events that are there in
+  /// part are written only if `with_partial` is set, and without a header not even then.
+  Summary Write(std::size_t tree, bool with_partial, OutputFile& output);
+
+ private:
+  void RequireStationFile() const;
+  void ReadDescriptions();
+  std::vector<BasketKey> FindBaskets();
+  std::vector<TreeTable> FindTrees();
+  void WriteEvents(const BasketTable& table, bool with_partial, OutputFile& output, Summary& summary);
+  void AddDamage(Summary& summary) const;
+  template <class T>
+  std::unique_ptr<T> ReadObject(const std::string& name);
+
+  RecordFile fFile;
+  Step fStep;
+  std::map<std::uint64_t, TreeRecord> fTrees;  // by place
+  std::vector<BasketTable> fTables;
+  std::uint32_t fNUnreadable = 0;          // baskets
+  std::set<std::string> fUnknownBranches;  // of events of the future
+};
+
+}  // namespace StnTools
+
+#endif
