@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "FileName.h"
 #include "Recovery.h"
 #include "ToolError.h"
 #include "Worker.h"
@@ -6,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <iostream>
 #include <map>
@@ -46,10 +46,10 @@ bool IsSameFile(const std::string& first, const std::string& second) {
 }
 
 void RequireOtherFile(const Options& options) {
-  for (const std::string& written : {options.fOutput, options.fOutput + ".part"}) {
+  for (const std::string& written : {options.fOutput, GetPartName(options.fOutput)}) {
     if (!IsSameFile(options.fInput, written)) continue;
-    throw ToolError(kUsage, options.fInput + " would be overwritten, as " + options.fOutput + " is written as " +
-                                options.fOutput + ".part first; choose another name for OUT");
+    throw ToolError(kUsage, options.fInput + " would be overwritten, as the output is first called " +
+                                GetPartName(options.fOutput) + "; choose another name for OUT");
   }
 }
 
@@ -113,9 +113,9 @@ int RecoverInWorker(const Options& options) {
     auto listen = [&](const std::string& text) { report = nlohmann::json::parse(text); };
     Worker::Result result = Worker::Run(work, listen, Worker::Limits());
     if (result.fIsDone) return Report(options, bad_steps, report);
+    RemovePart(options.fOutput);
     if (!bad_steps.emplace(result.fStep, result.fReason).second) break;
   }
-  unlink((options.fOutput + ".part").c_str());
   throw ToolError(kDamage, options.fInput + " cannot be recovered: ROOT ended at " + bad_steps.begin()->first + " (" +
                                bad_steps.begin()->second + "), and at other places");
 }
