@@ -265,7 +265,8 @@ class Suite {
     WriteUntil(run, (turn + 1) * fScale.fEventsPerWindow);
     watch = run.GetWrite() - write;
     state.counters["events"] = fScale.fEventsPerWindow;
-    state.counters["add_cpu"] = (run.GetAdd() - add).GetCpu();
+    state.counters["add_cpu"] = 1e3 * (run.GetAdd() - add).GetCpu();
+    state.counters["write_cpu"] = 1e3 * watch.GetCpu();
     state.counters["memory"] = GetResidentMemory();
     state.counters["memory_growth"] = GetResidentMemory() - memory;
   }
