@@ -1,6 +1,7 @@
 #include "Recovery.h"
 
 #include "Basket.h"
+#include "EntryGaps.h"
 #include "EventAssembler.h"
 #include "Messages.h"
 #include "ToolError.h"
@@ -32,28 +33,6 @@ bool ReadInto(TObject& object, const RecordFile& file, const Record& record) {
   Messages messages;
   object.Streamer(buffer);
   return buffer.Length() == buffer.BufferSize() && messages.GetFirstError().empty();
-}
-
-// Consecutive events that lack the same.
-struct Gap {
-  std::uint64_t fFirst;
-  std::uint64_t fLast;
-  std::string fMissing;
-
-  std::string GetText() const {
-    bool is_one = fFirst == fLast;
-    std::string range = is_one ? " " + std::to_string(fFirst) + " is"
-                               : "s " + std::to_string(fFirst) + " to " + std::to_string(fLast) + " are";
-    return "event" + range + " not whole, missing: " + fMissing;
-  }
-};
-
-void AddMissing(std::uint64_t entry, const std::string& missing, std::vector<Gap>& gaps) {
-  bool goes_on = !gaps.empty() && gaps.back().fLast + 1 == entry && gaps.back().fMissing == missing;
-  if (goes_on)
-    gaps.back().fLast = entry;
-  else
-    gaps.push_back({entry, entry, missing});
 }
 
 }  // namespace
@@ -101,8 +80,10 @@ std::vector<BasketKey> Recovery::FindBaskets() {
       continue;
     }
     bool is_good = fStep("the basket at byte " + std::to_string(record.fSeek)) && Basket::Read(fFile, record);
-    if (is_good) baskets.push_back({record.fName, record.fCycle, record.fSeek, record.fNEntries});
-    fNUnreadable += is_good ? 0 : 1;
+    if (is_good)
+      baskets.push_back({record.fName, record.fCycle, record.fSeek, record.fNEntries});
+    else
+      fBadBaskets.push_back(&record);
   }
   return baskets;
 }
@@ -138,7 +119,7 @@ Recovery::Summary Recovery::Write(std::size_t tree, bool with_partial, OutputFil
   auto header = ReadObject<TStnRunHeader>("RunHeader");
   auto trailer = ReadObject<TStnRunTrailer>("RunTrailer");
   if (header) output.WriteRunHeader(*header);
-  if (tree > 0) WriteEvents(fTables.at(tree - 1), with_partial, output, summary);
+  if (tree > 0) WriteEvents(tree, with_partial, output, summary);
   if (trailer) output.WriteRunTrailer(*trailer);
   summary.fHasRunHeader = header != nullptr;
   summary.fHasRunTrailer = trailer != nullptr;
@@ -146,24 +127,30 @@ Recovery::Summary Recovery::Write(std::size_t tree, bool with_partial, OutputFil
   return summary;
 }
 
-void Recovery::WriteEvents(const BasketTable& table, bool with_partial, OutputFile& output, Summary& summary) {
+void Recovery::ReadEvents(std::size_t tree, TStnEvent& event, const Visitor& visit) {
+  const BasketTable& table = fTables.at(tree - 1);
   EventAssembler assembler(fFile, fTrees, table);
-  std::vector<Gap> gaps;
   for (std::uint64_t entry = 0; entry < table.GetNEntries(); ++entry) {
-    TStnEvent& event = output.GetEvent();
-    bool is_tried = fStep("event " + std::to_string(entry));
-    std::string missing = is_tried ? assembler.Assemble(entry, event) : "what ROOT cannot read";
+    event.Clear();
+    bool is_tried = fStep("the parts of event " + std::to_string(entry));
+    visit(entry, is_tried ? assembler.Assemble(entry, event) : "what ROOT cannot read");
+  }
+}
+
+void Recovery::WriteEvents(std::size_t tree, bool with_partial, OutputFile& output, Summary& summary) {
+  EntryGaps gaps;
+  TStnEvent& event = output.GetEvent();
+  ReadEvents(tree, event, [&](std::uint64_t entry, const std::string& missing) {
     ++(missing.empty() ? summary.fNWhole : summary.fNPartial);
-    if (!missing.empty()) AddMissing(entry, missing, gaps);
-    bool is_wanted = missing.empty() || (with_partial && is_tried && EventAssembler::HasHeader(event));
-    if (!is_wanted) continue;
+    if (!missing.empty()) gaps.Add(entry, missing);
+    if (!missing.empty() && !(with_partial && EventAssembler::HasHeader(event))) return;
     output.WriteEvent();
     ++summary.fNWritten;
-  }
-  for (const Gap& gap : gaps)
-    summary.fLosses.push_back(gap.GetText());
-  if (table.GetNUnplaced() > 0) {
-    summary.fLosses.push_back(std::to_string(table.GetNUnplaced()) +
+  });
+  for (const EntryGaps::Gap& gap : gaps.Get())
+    summary.fLosses.push_back(gap.GetName() + " not whole, missing: " + gap.fMissing);
+  if (std::uint32_t n_unplaced = fTables.at(tree - 1).GetNUnplaced()) {
+    summary.fLosses.push_back(std::to_string(n_unplaced) +
                               " baskets belong to no event for certain, as others before them are lost");
   }
 }
@@ -171,7 +158,8 @@ void Recovery::WriteEvents(const BasketTable& table, bool with_partial, OutputFi
 void Recovery::AddDamage(Summary& summary) const {
   for (const std::string& branch : fUnknownBranches)
     summary.fLosses.push_back("the branch " + branch + ", which today's events do not have, was left out");
-  if (fNUnreadable > 0) summary.fLosses.push_back(std::to_string(fNUnreadable) + " baskets are damaged or cut");
+  if (!fBadBaskets.empty())
+    summary.fLosses.push_back(std::to_string(fBadBaskets.size()) + " baskets are damaged or cut");
   std::uint64_t n_bytes = 0;
   for (const Stretch& stretch : fFile.GetLost())
     n_bytes += stretch.fEnd - stretch.fBegin;

@@ -32,8 +32,14 @@ class Recovery {
   std::size_t GetNTrees() const { return fTables.size(); }
   /// Number of events of which anything of a tree is there.
   std::uint64_t GetNEvents(std::size_t tree) const { return fTables.at(tree - 1).GetNEntries(); }
-  /// ROOT's setting for what the file's writer wrote.
-  int GetCompression() const { return fFile.GetFrame().fCompression; }
+  const RecordFile& GetFile() const { return fFile; }
+  /// Baskets of events that are cut or damaged.
+  const std::vector<const Record*>& GetBadBaskets() const { return fBadBaskets; }
+
+  /// Told for each event what is missing of it, as "traces, T3 record".
+  using Visitor = std::function<void(std::uint64_t entry, const std::string& missing)>;
+  /// Reads one event of a tree after the other into `event`, as far as it is there. An event that is left out is empty.
+  void ReadEvents(std::size_t tree, TStnEvent& event, const Visitor& visit);
 
   /// What `Write` did.
   struct Summary {
@@ -54,7 +60,7 @@ class Recovery {
   void ReadDescriptions();
   std::vector<BasketKey> FindBaskets();
   std::vector<TreeTable> FindTrees();
-  void WriteEvents(const BasketTable& table, bool with_partial, OutputFile& output, Summary& summary);
+  void WriteEvents(std::size_t tree, bool with_partial, OutputFile& output, Summary& summary);
   void AddDamage(Summary& summary) const;
   template <class T>
   std::unique_ptr<T> ReadObject(const std::string& name);
@@ -63,7 +69,7 @@ class Recovery {
   Step fStep;
   std::map<std::uint64_t, TreeRecord> fTrees;  // by place
   std::vector<BasketTable> fTables;
-  std::uint32_t fNUnreadable = 0;          // baskets
+  std::vector<const Record*> fBadBaskets;
   std::set<std::string> fUnknownBranches;  // of events of the future
 };
 

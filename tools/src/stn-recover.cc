@@ -76,7 +76,7 @@ int Recover(const Options& options, const BadSteps& bad_steps, WorkerLine& line)
   nlohmann::json report = {{"losses", nlohmann::json::array()}};
   std::size_t tree = ChooseTree(options, recovery, report);
   line.Begin("the output");
-  OutputFile output(options.fOutput, options.fForce, recovery.GetCompression());
+  OutputFile output(options.fOutput, options.fForce, recovery.GetFile().GetFrame().fCompression);
   Recovery::Summary summary = recovery.Write(tree, options.fPartial, output);
   if (summary.fNWritten == 0 && !summary.fHasRunHeader && !summary.fHasRunTrailer)
     throw ToolError(kDamage, options.fInput + ": nothing can be recovered, no event is whole");

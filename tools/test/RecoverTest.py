@@ -32,7 +32,7 @@ class RecoverTest(ProgramTest):
             (
                 1,
                 "new.root: 3 events, without run header, without run trailer\n",
-                "stn-recover: warning: unclosed.root: event 3 is not whole, missing: event identity, traces, pixel list, "
+                "stn-recover: warning: unclosed.root: event 3 not whole, missing: event identity, traces, pixel list, "
                 "pixel data, trigger record, T3 record, geometry record\n",
             ),
         )
