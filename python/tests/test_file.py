@@ -120,7 +120,7 @@ def test_pixels_have_the_values_of_the_library(run, expected):
 
 def test_triggers_have_the_values_of_the_library(run, expected):
     for event, values in zip(run, expected["events"]):
-        pixels, slices = event.triggers()
+        pixels, slices = (event.triggers()[name].to_numpy() for name in ("pixel", "slices"))
         first = [
             [(mirror["mirror"] - 1) * 480 + (column - 1) * 24 + row, slice_]
             for mirror in values["pixel_data"] if mirror

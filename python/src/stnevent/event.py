@@ -65,8 +65,11 @@ class Event:
         """Station pixel numbers, 1 to 2880, of the pixels that took part, in ascending order."""
         return self.file._read_pixels(self.entry)
 
-    def triggers(self) -> tuple[NDArray[np.int32], NDArray[np.bool_]]:
-        """Station pixel numbers of the triggered pixels, and their trigger bits: a row of 100 time slices for each."""
+    def triggers(self) -> ak.Array:
+        """The triggered pixels: `pixel`, station pixel number, and `slices`, its trigger bits in 100 time slices."""
+        import awkward as ak
+
         found = self.file._read_triggers(self.entry)
         bits = np.unpackbits(found["words"].view(np.uint8), axis=1, count=_N_SLICES, bitorder="little")
-        return found["pixel"], bits.astype(np.bool_)
+        contents = [ak.contents.NumpyArray(np.ascontiguousarray(found["pixel"])), ak.contents.NumpyArray(bits != 0)]
+        return ak.Array(ak.contents.RecordArray(contents, ["pixel", "slices"]))

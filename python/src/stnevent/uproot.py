@@ -1,0 +1,118 @@
+"""Station files with uproot alone, without ROOT.
+
+>>> import uproot
+>>> import stnevent.uproot
+>>> tree = uproot.open("run.root")["StnEventTree"]
+>>> headers = tree["fEventHeader"].array()
+>>> traces = tree["fFADCData"].array(entry_start=10, entry_stop=20)
+
+Importing this module teaches uproot these branches of station files of every age:
+
+- `fEventHeader`: a record for each event, with the columns of `stnevent.File.headers`
+- `fFADCData`: for each event its traces, with the fields of `stnevent.Event.traces` but for `time`
+- `fPixelList`: for each event the station pixel numbers of `stnevent.Event.pixels`
+- `fPixelData`: for each event the triggered pixels of `stnevent.Event.triggers`
+
+An event without such a part gives None for the header and an empty list for the others. What is damaged raises
+`StnEventError`, which names file, branch and entry.
+"""
+
+from __future__ import annotations
+
+from typing import Any
+
+import awkward as ak
+import numpy as np
+import uproot
+from uproot.interpretation.custom import CustomInterpretation
+
+from stnevent import _headers_on_file, _parts_on_file
+from stnevent._frames import Basket, Damage, Entries
+from stnevent.errors import StnEventError
+
+
+class _AsPart(CustomInterpretation):  # type: ignore[misc]
+    """A branch with one part of each event, an object of a class of its own. The baskets are only collected; all
+    entries are decoded at once."""
+
+    branch_name: str
+    class_name: str
+
+    @classmethod
+    def match_branch(cls, branch: Any, context: dict[str, Any], simplify: bool) -> bool:
+        streamer = branch.streamer
+        return branch.name == cls.branch_name and streamer is not None and streamer.typename == f"{cls.class_name}*"
+
+    @property
+    def typename(self) -> str:
+        return self.class_name
+
+    @property
+    def cache_key(self) -> str:
+        return type(self).__name__
+
+    def decode(self, entries: Entries, branch: Any) -> ak.contents.Content:
+        raise NotImplementedError
+
+    def basket_array(self, data: Any, byte_offsets: Any, *_: Any) -> Basket:
+        return Basket(data, byte_offsets)
+
+    def final_array(
+        self, basket_arrays: Any, entry_start: int, entry_stop: int, entry_offsets: Any, library: Any, branch: Any, _: Any
+    ) -> Any:
+        if library.name != "ak":
+            raise TypeError(f"{branch.name} is read as Awkward arrays only: leave library={library.name!r} out")
+        starts = np.asarray(entry_offsets[:-1])
+        used = [i for i, n in enumerate(np.diff(entry_offsets)) if starts[i] < entry_stop and starts[i] + n > entry_start]
+        baskets = [basket_arrays[i] for i in used]
+        first = int(starts[used[0]]) if used else entry_start
+        entries = Entries.join(baskets, self.class_name)[entry_start - first : entry_stop - first]
+        try:
+            return ak.Array(self.decode(entries, branch))
+        except Damage as damage:
+            reason = f"{branch.name}: {damage.reason}; copy or write the file again"
+            raise StnEventError(branch.file.file_path, entry_start + damage.index, reason) from None
+
+
+class AsEventHeader(_AsPart):
+    """`fEventHeader` as records."""
+
+    branch_name = "fEventHeader"
+    class_name = "TStnEventHeader"
+
+    def decode(self, entries: Entries, branch: Any) -> ak.contents.Content:
+        return _headers_on_file.decode(entries, branch.file)
+
+
+class AsTraces(_AsPart):
+    """`fFADCData` as lists of traces."""
+
+    branch_name = "fFADCData"
+    class_name = "TStnFADCData"
+
+    def decode(self, entries: Entries, branch: Any) -> ak.contents.Content:
+        return _parts_on_file.decode_traces(entries)
+
+
+class AsPixels(_AsPart):
+    """`fPixelList` as lists of station pixel numbers."""
+
+    branch_name = "fPixelList"
+    class_name = "TStnPixelList"
+
+    def decode(self, entries: Entries, branch: Any) -> ak.contents.Content:
+        return _parts_on_file.decode_pixels(entries)
+
+
+class AsTriggers(_AsPart):
+    """`fPixelData` as lists of triggered pixels."""
+
+    branch_name = "fPixelData"
+    class_name = "TStnPixelData"
+
+    def decode(self, entries: Entries, branch: Any) -> ak.contents.Content:
+        return _parts_on_file.decode_triggers(entries)
+
+
+for _interpretation in (AsEventHeader, AsTraces, AsPixels, AsTriggers):
+    uproot.register_interpretation(_interpretation)
