@@ -163,6 +163,24 @@ def test_slices_masks_and_indices_give_events(run):
     assert [event.entry for event in run[1:][1:3]] == [2, 3]
 
 
+def test_an_event_is_found_by_its_number(run):
+    assert run.by_number(4).entry == 3
+    with pytest.raises(LookupError, match=r"run\.root has no event with number 6$"):
+        run.by_number(6)
+
+
+def test_the_event_nearest_to_a_time_is_found(run):
+    times = run.headers().time_stamp
+    assert run.by_time(times[2] + np.timedelta64(1, "s")).entry == 2
+    assert run.by_time(times[3] - np.timedelta64(1, "s")).entry == 3
+    assert run.by_time("2030-01-01").entry == 4
+
+
+def test_events_between_two_times_are_found(run):
+    times = run.headers().time_stamp
+    assert run.between(times[1], times[3]).entries.tolist() == [1, 2]
+
+
 def test_headers_of_a_selection_are_its_rows(run):
     assert run[[4, 0, 1, 3]].headers().event_number.tolist() == [5, 1, 2, 4]
     assert run[:0].headers().event_number.tolist() == []

@@ -121,8 +121,8 @@ class Entries:
         """The entries of baskets that follow each other."""
         if not baskets:
             return cls(np.zeros(0, np.uint8), np.zeros(0, np.int64), np.zeros(0, np.int64), class_name)
-        sizes = [len(basket.data) for basket in baskets]
-        shifts = np.repeat(np.cumsum(sizes) - sizes, [len(basket) for basket in baskets])
+        sizes = np.array([len(basket.data) for basket in baskets], np.int64)
+        shifts: NDArray[np.int64] = np.repeat(np.cumsum(sizes) - sizes, [len(basket) for basket in baskets])
         starts = np.concatenate([basket.offsets[:-1] for basket in baskets]) + shifts
         stops = np.concatenate([basket.offsets[1:] for basket in baskets]) + shifts
         return cls(np.concatenate([basket.data for basket in baskets]), starts, stops, class_name)
@@ -136,7 +136,8 @@ class Entries:
     @property
     def is_null(self) -> NDArray[np.bool_]:
         """Whether there is no object."""
-        return self.stops - self.starts == _NULL_SIZE
+        found: NDArray[np.bool_] = self.stops - self.starts == _NULL_SIZE
+        return found
 
     def objects(self) -> Objects:
         """The objects, without the entries that have none."""

@@ -102,7 +102,7 @@ def _times(headers: Objects, name: str, stamps: NDArray[Any]) -> NDArray[Any]:
     is_stamp = (stamps["count"] == _STAMP_COUNT) & (stamps["version"] == 1)
     rows = is_stamp.reshape(len(stamps), -1).all(axis=1)
     require(rows, headers.indices, name, np.where(rows, "", "another record"), "time stamps")
-    nanoseconds = stamps["sec"].astype(np.int64) * 10**9 + stamps["nano"]
+    nanoseconds: NDArray[np.int64] = stamps["sec"].astype(np.int64) * 10**9 + stamps["nano"]
     return nanoseconds.view(TIME)
 
 

@@ -35,8 +35,10 @@ class Event:
     @property
     def header(self) -> np.record:
         """The header: one row of `File.headers`, read without the rest of the event."""
-        row: np.record = self.file._read_headers(np.array([self.entry]))[0]
-        return row
+        row = np.zeros(1, records.HEADER)
+        self.file._fill_headers(self.entry, row)
+        header: np.record = row.view(np.recarray)[0]
+        return header
 
     def traces(self) -> ak.Array:
         """The FADC traces, one record for each pixel that has one, by ascending pixel number.

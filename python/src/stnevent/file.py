@@ -5,12 +5,14 @@ from __future__ import annotations
 import builtins
 import ctypes
 import dataclasses
+import datetime
+import functools
 import os
 import warnings
 import weakref
 from collections.abc import Iterator, Sequence
 from types import TracebackType
-from typing import Any, overload
+from typing import Any, TypeAlias, overload
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -19,6 +21,8 @@ from stnevent import _library, records
 from stnevent.errors import StnEventError
 from stnevent.event import Event
 from stnevent.progress import track
+
+Time: TypeAlias = np.datetime64 | datetime.datetime | str
 
 # Headers that are read in one call of the library.
 _HEADERS_AT_ONCE = 4096
@@ -177,6 +181,27 @@ class File(Events):
         self._require(self._library.stn_read_run_trailer(self._reader, record))
         return RunTrailer(**_values(record))
 
+    def by_number(self, event_number: int) -> Event:
+        """The first event with that number in its header. The first look-up reads all headers. LookupError if there is
+        none."""
+        found = np.flatnonzero(self._index[0] == event_number)
+        if not len(found):
+            raise LookupError(f"{self.path} has no event with number {event_number}")
+        return Event(self, int(found[0]))
+
+    def by_time(self, time: Time) -> Event:
+        """The event whose corrected time is nearest to a time in UTC. The first look-up reads all headers. LookupError
+        if the file has no events."""
+        if not len(self):
+            raise LookupError(f"{self.path} has no events")
+        return Event(self, int(np.argmin(np.abs(self._index[1] - np.array(time, records.TIME)))))
+
+    def between(self, start: Time, stop: Time) -> Events:
+        """The events from a time on and before another, in UTC and by their corrected times."""
+        times = self._index[1]
+        chosen = (times >= np.array(start, records.TIME)) & (times < np.array(stop, records.TIME))
+        return Events(self, self._entries[chosen])
+
     def _open_reader(self) -> int:
         if not self._close.alive:
             raise ValueError(f"{self.path} is closed")
@@ -192,12 +217,27 @@ class File(Events):
             raise self._error()
 
     def _read_headers(self, entries: NDArray[np.int64]) -> np.recarray[Any, Any]:
-        reader = self._open_reader()
         headers = np.zeros(len(entries), records.HEADER)
         for first, last in track(_runs(entries), len(entries), "Headers", lambda run: run[1] - run[0]):
-            place = headers[first:last].ctypes.data
-            self._require(self._library.stn_read_headers(reader, int(entries[first]), last - first, place))
+            self._fill_headers(int(entries[first]), headers[first:last])
         return headers.view(np.recarray)
+
+    def _fill_headers(self, entry: int, headers: NDArray[Any]) -> None:
+        """Reads as many headers as there is room for, from an entry on."""
+        reader = self._open_reader()
+        self._require(self._library.stn_read_headers(reader, entry, len(headers), headers.ctypes.data))
+
+    @functools.cached_property
+    def _index(self) -> tuple[NDArray[np.uint32], NDArray[np.datetime64]]:
+        """Numbers and times of all events."""
+        numbers = np.zeros(len(self), np.uint32)
+        times = np.zeros(len(self), records.TIME)
+        for first, last in track(_runs(self.entries), len(self), "Index", lambda run: run[1] - run[0]):
+            headers = np.zeros(last - first, records.HEADER)
+            self._fill_headers(first, headers)
+            numbers[first:last] = headers["event_number"]
+            times[first:last] = headers["time_stamp"]
+        return numbers, times
 
     def _read_event(self, entry: int) -> _library.EventSizes:
         sizes = _library.EventSizes()
