@@ -31,6 +31,8 @@ need_packages() {
   for package in "$@"; do
     # A Python of the user's own that can make virtual environments is as good as Debian's.
     if [[ $package == python3* ]] && python3 -c 'import venv, ensurepip' 2> /dev/null; then continue; fi
+    # So is a Node.js; and where it is not Debian's, Debian's npm can't be installed beside it.
+    if [[ $package == nodejs || $package == npm ]] && command -v node > /dev/null && command -v npm > /dev/null; then continue; fi
     dpkg-query -W -f '${Status}' "$package" 2> /dev/null | grep -q '^install ok installed' || missing+=("$package")
   done
   ((${#missing[@]})) || return 0
@@ -51,6 +53,16 @@ need_python() {
   [[ -x .venv/bin/pip ]] || python3 -m venv .venv || die "python3 -m venv failed: install python3-venv, or remove .venv"
   .venv/bin/pip install -q --disable-pip-version-check "$@" > build/pip.log 2>&1 ||
     die "pip install $* failed: see build/pip.log; is the network there, and is python3 3.9 or later?"
+  touch "$stamp"
+}
+
+# The packages that js/package-lock.json pins, into js/node_modules. JSROOT reads files without what their scripts would build.
+need_javascript() {
+  local stamp=js/node_modules/.installed
+  if [[ $stamp -nt js/package-lock.json ]]; then return 0; fi
+  say "Installing JSROOT into js/node_modules"
+  npm ci --ignore-scripts --no-audit --no-fund --prefix js > build/npm.log 2>&1 ||
+    die "npm ci failed: see build/npm.log; is the network there, and is node 18 or later?"
   touch "$stamp"
 }
 
@@ -124,6 +136,7 @@ run_test_command() {
   find_root
   # shellcheck disable=SC2086
   need_python $TEST_PYTHON
+  need_javascript
   build release -DBUILD_TESTING=ON -DSTN_BUILD_BENCH=ON
   run_tests release
 }
