@@ -8,6 +8,7 @@ import shutil
 import awkward as ak
 import numpy as np
 import pytest
+import uproot
 
 import stnevent
 
@@ -230,6 +231,34 @@ def test_a_file_cut_short_is_named(run_path, tmp_path):
     path.write_bytes(run_path.read_bytes()[:20000])
     with pytest.raises(stnevent.StnEventError, match="cut short, with 20000 of its [0-9]+ bytes"):
         stnevent.open(path)
+
+
+def with_damaged_basket(path, branch, copy):
+    """A copy of the file in which the second basket of a branch can't be expanded."""
+    damaged = uproot.open(path)["StnEventTree"][branch]
+    content = bytearray(path.read_bytes())
+    content[damaged.member("fBasketSeek")[1] + damaged.member("fBasketBytes")[1] - 30] ^= 0xFF
+    copy.write_bytes(content)
+    return copy
+
+
+def test_a_damaged_event_names_file_and_entry_and_the_others_stay_good(run_path, expected, tmp_path):
+    path = with_damaged_basket(run_path, "fEventHeader", tmp_path / "damaged.root")
+    with stnevent.open(path) as run:
+        with pytest.raises(stnevent.StnEventError) as error:
+            [event.pixels() for event in run]
+        assert (error.value.file, error.value.entry) == (str(path), 2)
+        assert str(error.value).startswith(f"{path}: entry 2: the event cannot be read (")
+        assert str(error.value).endswith("); copy or write the file again")
+        assert [run[i].pixels().tolist() for i in (0, 4)] == [expected["events"][i]["pixels"] for i in (0, 4)]
+
+
+def test_a_damaged_header_names_file_and_entry(run_path, tmp_path):
+    path = with_damaged_basket(run_path, "fEventHeader", tmp_path / "damaged.root")
+    with stnevent.open(path) as run:
+        with pytest.raises(stnevent.StnEventError, match=r"entry 2: the event header cannot be read \("):
+            run.headers()
+        assert run[4:].headers().event_number.tolist() == [5]
 
 
 def test_errors_survive_the_way_between_processes():

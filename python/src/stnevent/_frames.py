@@ -141,8 +141,8 @@ class Entries:
 
     def objects(self) -> Objects:
         """The objects, without the entries that have none."""
-        name = self.class_name.encode() + b"\0"
-        pointer = np.dtype([("count", ">u4"), ("tag", ">u4"), ("name", f"V{len(name)}")])
+        name = self.class_name.encode()
+        pointer = np.dtype([("count", ">u4"), ("tag", ">u4"), ("name", f"S{len(name) + 1}")])
         indices = np.flatnonzero(~self.is_null)
         starts, stops = self.starts[indices], self.stops[indices]
         sizes = stops - starts
@@ -150,6 +150,6 @@ class Entries:
         pointers = records(self.data, starts, pointer)
         counts = pointers["count"].astype(np.int64) - BYTE_COUNT
         require(counts == sizes - 4, indices, "byte count of the entry", counts, sizes - 4)
-        is_class = (pointers["tag"] == NEW_CLASS) & (pointers["name"] == np.void(name))
+        is_class = (pointers["tag"] == NEW_CLASS) & (pointers["name"] == name)
         require(is_class, indices, "class", pointers["name"], self.class_name)
         return Objects.at(self.data, indices, starts + pointer.itemsize, stops)

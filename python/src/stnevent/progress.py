@@ -16,7 +16,7 @@ Item = TypeVar("Item")
 SECONDS_BEFORE_BAR = 1.0
 _SECONDS_BETWEEN_UPDATES = 0.1
 
-_is_bar_shown = False
+_is_in_loop = False
 
 
 def _one(_: object) -> int:
@@ -25,11 +25,12 @@ def _one(_: object) -> int:
 
 def track(items: Iterable[Item], total: int, what: str, weight: Callable[[Item], int] = _one) -> Iterator[Item]:
     """Gives the items one by one. After a second a bar on standard error shows how much of `total` is done, if that is a
-    terminal and no other loop shows its bar; `weight` tells how much an item counts."""
-    if not sys.stderr.isatty():
+    terminal and this is not inside another such loop; `weight` tells how much an item counts."""
+    global _is_in_loop
+    if _is_in_loop or not sys.stderr.isatty():
         yield from items
         return
-    global _is_bar_shown
+    _is_in_loop = True
     bar = None
     done = 0
     due = time.monotonic() + SECONDS_BEFORE_BAR
@@ -39,16 +40,13 @@ def track(items: Iterable[Item], total: int, what: str, weight: Callable[[Item],
             done += weight(item)
             if time.monotonic() < due:
                 continue
-            if bar is None and not _is_bar_shown:
-                bar = _start(total, what)
-                _is_bar_shown = True
-            if bar is not None:
-                bar.update(bar.task_ids[0], completed=done, refresh=True)
+            bar = bar or _start(total, what)
+            bar.update(bar.task_ids[0], completed=done, refresh=True)
             due = time.monotonic() + _SECONDS_BETWEEN_UPDATES
     finally:
+        _is_in_loop = False
         if bar is not None:
             bar.stop()
-            _is_bar_shown = False
 
 
 def _start(total: int, what: str) -> Progress:
