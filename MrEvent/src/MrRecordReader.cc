@@ -1,6 +1,6 @@
 #include <MrEvent/MrRecordReader.h>
 
-#include <VdUtil/ErrorLogger.h>
+#include <MrEvent/MrRecordCheck.h>
 
 #include <TClass.h>
 #include <TObjArray.h>
@@ -66,13 +66,12 @@ void MrRecordReader::ReadByDescription(void* object) {
     Fail("version", fVersion, "1 to " + std::to_string(fClass->GetClassVersion()) + ", or one that the file describes");
     return;
   }
-  fBuffer.ReadClassBuffer(fClass, object, fVersion, fStart, fByteCount);
+  fIsGood = MrRecordCheck(fBuffer, fEnd, fClass).HasMembers(fVersion);
+  if (fIsGood) fBuffer.ReadClassBuffer(fClass, object, fVersion, fStart, fByteCount);
 }
 
 bool MrRecordReader::Fail(const char* field, Long64_t found, const std::string& expected) {
-  VD_ERROR << fClass->GetName() << "::Streamer() - " << field << ": found " << found << ", expected " << expected
-           << ", record skipped" << std::endl;
-  return fIsGood = false;
+  return fIsGood = MrRecordCheck::Refuse(fClass, field, std::to_string(found), expected);
 }
 
 bool MrRecordReader::HasBytes(const char* field, Long64_t size) {

@@ -5,6 +5,7 @@
 #include <MrEvent/MiPixelData.h>
 #include <MrEvent/MiPixelList.h>
 #include <MrEvent/MrEvent.h>
+#include <MrEvent/MrRecordCheck.h>
 #include <VdRoot/TTimeStamp.h>
 #include <VdUtil/ErrorLogger.h>
 #include <VdUtil/TimeConvert.h>
@@ -560,6 +561,9 @@ void TStnEvent::ReadRecord(TBuffer& R__b) {
   // Events of the future are not ours to mend.
   const bool is_known = frame.fVersion <= TStnEvent::Class_Version();
   if (!is_known) VD_WARNING << "TStnEvent::Streamer() - no corrections applied" << std::endl;
+  const UInt_t end = frame.fStart + sizeof(frame.fByteCount) + frame.fByteCount;
+  if (!MrRecordCheck(R__b, end, Class()).HasMembers(frame.fVersion))
+    return R__b.SetBufferOffset(static_cast<Int_t>(end));
   TStnEvent::Class()->ReadBuffer(R__b, this, frame.fVersion, frame.fStart, frame.fByteCount);
   if (is_known) DoCorrections(this);
 }

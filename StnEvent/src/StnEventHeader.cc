@@ -3,6 +3,7 @@
 #include <StnEvent/StnEvent.h>
 
 #include <MrEvent/FadcData.h>
+#include <MrEvent/MrRecordCheck.h>
 #include <VdUtil/ErrorLogger.h>
 #include <VdUtil/TimeConvert.h>
 #include <VdUtil/VdConfig.h>
@@ -10,16 +11,10 @@
 
 #include <TBuffer.h>
 #include <TClass.h>
-#include <TDataType.h>
-#include <TObjArray.h>
-#include <TStreamerElement.h>
 #include <TString.h>
-#include <TVirtualRWMutex.h>
-#include <TVirtualStreamerInfo.h>
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <iomanip>
 #include <iterator>
 #include <map>
@@ -225,34 +220,6 @@ void DumpBadV5(TBuffer& R__b, UInt_t R__c) {
   for (auto& byte : bytes)
     R__b >> byte;
   BufferShow(bytes);
-}
-
-/// Bytes on file of an element of a class description; 0 if they can differ from record to record.
-Int_t GetSizeOnFile(const TStreamerElement& element) {
-  using Info = TVirtualStreamerInfo;
-  if (element.GetType() == Info::kTObject) return kObjectSize;
-  if (std::strcmp(element.GetTypeName(), TTimeStamp::Class_Name()) == 0)
-    return std::max(element.GetArrayLength(), 1) * (kMinFrameSize + kTimeStampSize);
-  const Int_t type = element.GetType() % Info::kOffsetL;  // of one number, also in an array
-  const bool is_packed = type == Info::kCharStar || type == Info::kDouble32 || type == Info::kFloat16;
-  if (element.IsA() != TStreamerBasicType::Class() || is_packed) return 0;
-  // Not the element's own size: once a record was read, that is the size of today's type.
-  const TDataType* const number = TDataType::GetDataType(static_cast<EDataType>(type));
-  return number ? std::max(element.GetArrayLength(), 1) * number->Size() : 0;
-}
-
-/// Bytes that a record takes at least behind its frame, by the description of its version; 0 if there is none.
-Int_t GetMinSize(Version_t version) {
-  TClass* const header = TStnEventHeader::Class();
-  header->GetStreamerInfo();  // makes today's, should nothing have asked for it yet
-  // Another thread may be opening a file with a version of its own, which makes the table longer.
-  R__READ_LOCKGUARD(ROOT::gCoreMutex);
-  const TObjArray* const infos = header->GetStreamerInfos();
-  if (version >= infos->GetSize() || !infos->At(version)) return 0;
-  Int_t size = 0;
-  for (const TObject* element : *static_cast<const TVirtualStreamerInfo*>(infos->At(version))->GetElements())
-    size += GetSizeOnFile(*static_cast<const TStreamerElement*>(element));
-  return size;
 }
 
 /// Whether the buffer holds what a record claims; if not, logs an error and leaves the buffer at its end.
@@ -637,13 +604,11 @@ void TStnEventHeader::ReadByDescription(TBuffer& R__b, Version_t R__v, UInt_t R_
   // A record without a byte count can take all that is left.
   const Long64_t rest = R__c == 0 ? GetBytesLeft(R__b) : Long64_t(R__c) - Long64_t(sizeof(R__v));
   if (!HoldsRecord(R__b, "byte count", rest)) return;
-  const Int_t min_size = GetMinSize(R__v);
-  if (rest >= min_size) {
+  const auto end = static_cast<UInt_t>(R__b.Length() + std::max(rest, 0LL));
+  if (MrRecordCheck(R__b, end, Class()).HasMembers(R__v))
     Class()->ReadBuffer(R__b, this, R__v, R__s, R__c);
-    return;
-  }
-  LogMismatch("Streamer", "fields", rest, min_size, "bytes");
-  R__b.SetBufferOffset(static_cast<Int_t>(R__b.Length() + std::max(rest, 0LL)));
+  else
+    R__b.SetBufferOffset(static_cast<Int_t>(end));
 }
 
 void TStnEventHeader::ReadByHand(TBuffer& R__b, Version_t R__v, UInt_t R__s, UInt_t R__c) {

@@ -1,6 +1,7 @@
 #include <StnEvent/StnPixelList.h>
 
 #include <MrEvent/MiPixelList.h>
+#include <MrEvent/MrRecordCheck.h>
 #include <StnEvent/StnEvent.h>
 #include <VdUtil/ErrorLogger.h>
 #include <VdUtil/VdConfig.h>
@@ -13,8 +14,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iomanip>
-#include <optional>
-#include <set>
 #include <string>
 
 using VdUtil::Vd;
@@ -26,92 +25,27 @@ namespace {
 // One bit for each station pixel. Every vector has at least so many words, whatever size a file gave it.
 const UInt_t kNWords = Vd::kSTN_NEXTPIXELS / 32;
 
-// ROOT's marks of a byte count before a version: in its four bytes, and in the first two of them.
-const UInt_t kByteCountMask = 0x40000000;
-const UInt_t kByteCountVMask = 0x4000;
-
 bool IsStnPixel(UInt_t stn_pixel) { return stn_pixel >= 1 && stn_pixel <= Vd::kSTN_NEXTPIXELS; }
 
 bool Refuse(const std::string& field, const std::string& found, const std::string& expected) {
-  VD_ERROR << "TStnPixelList::Streamer() - " << field << ": found " << found << ", expected " << expected << std::endl;
-  return false;
+  return MrRecordCheck::Refuse(TStnPixelList::Class(), field, found, expected);
 }
 
-/// Looks over a record, from where the buffer stands, before it is read. ROOT trusts the counts that it finds in a
-/// record and reads past the end of a short buffer. What does not fit is reported.
-class TRecordCheck {
- public:
-  TRecordCheck(const TBuffer& buffer, UInt_t end) : fBuffer(buffer), fPosition(buffer.Length()), fEnd(end) {}
-
-  bool HasFrame() const;
-  bool HasVersion2() { return SkipObject() && Skip("fNPixels", 4) && Skip("fPixelVectorSize", 4) && HasVector(); }
-  bool HasDescribed(const TVirtualStreamerInfo* description);
-
- private:
-  // Most significant byte first, as ROOT writes numbers, and at any address.
-  UInt_t Peek2(UInt_t offset) const {
-    const auto* bytes = reinterpret_cast<const UChar_t*>(fBuffer.Buffer()) + fPosition + offset;
-    return bytes[0] << 8 | bytes[1];
-  }
-  UInt_t Peek4(UInt_t offset) const { return Peek2(offset) << 16 | Peek2(offset + 2); }
-  UInt_t GetLeft() const { return fEnd > fPosition ? fEnd - fPosition : 0; }
-  bool Has(const std::string& field, UInt_t n_bytes) const;
-  bool HasVector() const;
-  bool Skip(const std::string& field, UInt_t n_bytes);
-  bool SkipObject();
-  bool SkipElement(const TStreamerElement& element);
-
-  const TBuffer& fBuffer;
-  UInt_t fPosition;
-  UInt_t fEnd;
-  std::optional<UInt_t> fNWords;  // known once the record has told it
-};
-
-bool TRecordCheck::Has(const std::string& field, UInt_t n_bytes) const {
-  if (n_bytes <= GetLeft()) return true;
-  return Refuse(field, std::to_string(GetLeft()) + " bytes", std::to_string(n_bytes));
+/// Whether the buffer holds what `TBuffer::ReadVersion` reads: two bytes, or six with a byte count, but it looks at four
+/// in any case. Versions of 0 and below bring a checksum.
+bool HasFrame(const TBuffer& buffer) {
+  const auto* bytes = reinterpret_cast<const UChar_t*>(buffer.Buffer()) + buffer.Length();
+  const Int_t left = buffer.BufferSize() - buffer.Length();
+  const bool has_count = left >= 4 && (bytes[0] & 0x40) != 0;
+  const bool has_checksum = has_count && left >= 6 && ((bytes[4] & 0x80) != 0 || (bytes[4] == 0 && bytes[5] == 0));
+  const Int_t size = has_checksum ? 10 : has_count ? 6 : 4;
+  return left >= size || Refuse("frame", std::to_string(left) + " bytes", "at least " + std::to_string(size));
 }
 
-/// The words of the vector, as many as the record has told.
-bool TRecordCheck::HasVector() const {
-  const UInt_t limit = GetLeft() / sizeof(UInt_t);
-  if (*fNWords <= limit) return true;
-  return Refuse("fPixelVectorSize", std::to_string(*fNWords), "at most " + std::to_string(limit));
-}
-
-bool TRecordCheck::Skip(const std::string& field, UInt_t n_bytes) {
-  if (!Has(field, n_bytes)) return false;
-  if (field == "fPixelVectorSize" && n_bytes == 4) fNWords = Peek4(0);
-  fPosition += n_bytes;
-  return true;
-}
-
-/// What `TBuffer::ReadVersion` reads: two bytes, or six with a byte count, but it looks at four in any case. Versions
-/// of 0 and below bring a checksum.
-bool TRecordCheck::HasFrame() const {
-  if (!Has("version", 4)) return false;
-  if (!(Peek4(0) & kByteCountMask)) return true;
-  if (!Has("version", 6)) return false;
-  return static_cast<Short_t>(Peek2(4)) > 0 || Has("checksum", 10);
-}
-
-/// What `TObject::Streamer` reads: a version, perhaps with a byte count, the unique id, the flag word, and the process
-/// id if the flag word says that the object is referenced.
-bool TRecordCheck::SkipObject() {
-  if (!Has("TObject", 10)) return false;
-  const UInt_t frame = Peek2(0) & kByteCountVMask ? 6 : 2;
-  if (!Has("TObject", frame + 8)) return false;
-  const bool is_referenced = Peek4(frame + 4) & TObject::kIsReferenced;
-  return Skip("TObject", frame + 8 + (is_referenced ? 2 : 0));
-}
-
-/// Bytes of a number on file; 0 for anything else, also for numbers that take other room on file than in memory.
-UInt_t GetNumberSize(const TStreamerElement& element) {
-  using Info = TVirtualStreamerInfo;
-  static const std::set<Int_t> kNumbers = {Info::kChar,   Info::kUChar,  Info::kBool,    Info::kShort,
-                                           Info::kUShort, Info::kInt,    Info::kUInt,    Info::kCounter,
-                                           Info::kFloat,  Info::kLong64, Info::kULong64, Info::kDouble};
-  return kNumbers.count(element.GetType()) ? element.GetSize() : 0;
+bool HasVersion2(MrRecordCheck check) {
+  UInt_t n_pixels, n_words;
+  return check.SkipObject() && check.SkipNumber("fNPixels", &n_pixels) &&
+         check.SkipNumber("fPixelVectorSize", &n_words) && check.SkipItems("fPixelVectorSize", n_words, sizeof(UInt_t));
 }
 
 bool IsPixelVector(const TStreamerElement& element) {
@@ -120,34 +54,20 @@ bool IsPixelVector(const TStreamerElement& element) {
          std::string(array->GetCountName()) == "fPixelVectorSize";
 }
 
-bool TRecordCheck::SkipElement(const TStreamerElement& element) {
-  const std::string name = element.GetName();
-  if (element.IsBase() && name == "TObject") return SkipObject();
-  const UInt_t size = GetNumberSize(element);
-  return size ? Skip(name, size) : Refuse(name, "a member of unknown size before fPixelVector", "numbers only");
-}
-
-/// Follows the description of the version up to the vector, after which no version has anything. ROOT itself reports
-/// and skips a record that nothing describes.
-bool TRecordCheck::HasDescribed(const TVirtualStreamerInfo* description) {
-  if (!description) return true;
+/// Whether a description of another version says what this class needs: numbers, then the vector behind its size.
+bool HasVector(const TVirtualStreamerInfo* description) {
+  if (!description) return true;  // ROOT reports that, and skips the record
+  bool has_size = false;
   for (const TObject* object : *description->GetElements()) {
     const auto& element = *static_cast<const TStreamerElement*>(object);
-    if (fNWords && IsPixelVector(element)) return Skip("fPixelVector", 1) && HasVector();
-    if (!SkipElement(element)) return false;
+    const std::string name = element.GetName();
+    if (has_size && IsPixelVector(element)) return true;
+    if (!element.IsBase() && element.IsA() != TStreamerBasicType::Class())
+      return Refuse(name, "a member of unknown size before fPixelVector", "numbers only");
+    has_size |= name == "fPixelVectorSize" && element.GetType() == TVirtualStreamerInfo::kUInt;
   }
   return Refuse("fPixelVector", "none in the description of the record", "an array of fPixelVectorSize words");
 }
-
-/// The description of a version, of which a file brings those of old versions along; null if there is none.
-const TVirtualStreamerInfo* FindDescription(Version_t version) {
-  const TClass* cl = TStnPixelList::Class();
-  if (version == cl->GetClassVersion()) return cl->GetStreamerInfo();
-  const TObjArray* descriptions = cl->GetStreamerInfos();
-  if (version >= descriptions->LowerBound() + descriptions->GetSize()) return nullptr;
-  return static_cast<const TVirtualStreamerInfo*>(descriptions->At(version));
-}
-
 }  // namespace
 
 TStnPixelList::TStnPixelList()
@@ -379,7 +299,7 @@ void TStnPixelList::Streamer(TBuffer& b) {
 /// A record that does not hold what it says is left at its end, and this object as it was.
 void TStnPixelList::ReadRecord(TBuffer& b) {
   const UInt_t size = b.BufferSize();
-  if (!TRecordCheck(b, size).HasFrame()) return b.SetBufferOffset(size);
+  if (!HasFrame(b)) return b.SetBufferOffset(size);
   UInt_t start, count;
   const Version_t version = b.ReadVersion(&start, &count);
   if (version < 2) {
@@ -394,8 +314,10 @@ void TStnPixelList::ReadRecord(TBuffer& b) {
     return b.SetBufferOffset(size);
   }
   const UInt_t end = count ? start + sizeof(UInt_t) + count : size;
-  TRecordCheck check(b, end);
-  const bool is_whole = version == 2 ? check.HasVersion2() : check.HasDescribed(FindDescription(version));
+  MrRecordCheck check(b, end, Class());
+  const bool is_whole = version == 2
+                            ? HasVersion2(check)
+                            : HasVector(MrRecordCheck::FindDescription(Class(), version)) && check.HasMembers(version);
   if (!is_whole) return b.SetBufferOffset(end);
   fStreamerVersion = version;
   if (version == 2) {

@@ -147,7 +147,7 @@ class StnPixelListRefusalTest : public StnPixelListStreamerTest {
     EXPECT_EQ(Read(list, bytes), end);
     EXPECT_THAT(fLog.Take(),
                 testing::MatchesRegex("ERR:TStnPixelList::Streamer\\(\\) - [A-Za-z ]+: found [0-9]+( bytes)?, "
-                                      "expected (at most )?[0-9]+\n"));
+                                      "expected (at least |at most )?[0-9]+, record skipped\n"));
     EXPECT_EQ(list.GetText(), before);
   }
 };
@@ -422,47 +422,55 @@ TEST_F(StnPixelListRefusalTest, ByteCountTooSmall) {
 TEST_F(StnPixelListRefusalTest, ByteCountBeyondTheBuffer) {
   TList3 source({7});
   ExpectRefused(Written(source).Set4(0, 0x40000000 | 386), kRecordSize,
-                "ERR:TStnPixelList::Streamer() - byte count: found 386, expected at most 385\n");
+                "ERR:TStnPixelList::Streamer() - byte count: found 386, expected at most 385, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, RecordOfNothing) {
-  ExpectRefused("", 0, "ERR:TStnPixelList::Streamer() - version: found 0 bytes, expected 4\n");
+  ExpectRefused("", 0, "ERR:TStnPixelList::Streamer() - frame: found 0 bytes, expected at least 4, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, RecordThatEndsInItsObject) {
   ExpectRefused(Framed(4, Object().substr(0, 9)), 15,
-                "ERR:TStnPixelList::Streamer() - TObject: found 9 bytes, expected 10\n");
+                "ERR:TStnPixelList::Streamer() - TObject: found 9 bytes, expected at least 10, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, RecordThatEndsInTheByteCountOfItsObject) {
   ExpectRefused(Framed(4, TBytes().Add4(0x40000008).Add2(1).Add4(0).Add2(0)), 18,
-                "ERR:TStnPixelList::Streamer() - TObject: found 12 bytes, expected 14\n");
+                "ERR:TStnPixelList::Streamer() - TObject: found 12 bytes, expected at least 14, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, RecordThatEndsInANumber) {
   ExpectRefused(Framed(4, Object().Add4(2).Add2(0)), 22,
-                "ERR:TStnPixelList::Streamer() - fNPixels: found 2 bytes, expected 4\n");
+                "ERR:TStnPixelList::Streamer() - fNPixels: found 2 bytes, expected at least 4, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, VectorThatIsMarkedAsAbsent) {
+  TList3 source({7});
+  TBytes bytes = Written(source);
+  bytes[28] = 0;
+  ExpectRefused(bytes, kRecordSize,
+                "ERR:TStnPixelList::Streamer() - fPixelVector: found 0, expected 1, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, VectorSizeOneTooLarge) {
   TList3 source({7});
   ExpectRefused(Written(source).Set4(24, 91), kRecordSize,
-                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 91, expected at most 90\n");
+                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 91, expected at most 90, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, VectorSizesOfDamagedFiles) {
   TList3 source({7});
   for (UInt_t size : {0x40000000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
-    ExpectRefused(
-        Written(source).Set4(24, size), kRecordSize,
-        "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found " + std::to_string(size) + ", expected at most 90\n");
+    ExpectRefused(Written(source).Set4(24, size), kRecordSize,
+                  "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found " + std::to_string(size) +
+                      ", expected at most 90, record skipped\n");
   }
 }
 
 TEST_F(StnPixelListRefusalTest, VectorSizeThatFitsTheBufferButNotTheRecord) {
   TList3 source({7});
   ExpectRefused(Written(source).Set4(24, 91).append(100, '\0'), kRecordSize,
-                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 91, expected at most 90\n");
+                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 91, expected at most 90, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, FlagWordThatMakesTheObjectLonger) {
@@ -580,12 +588,13 @@ TEST_F(StnPixelListRefusalTest, Version2WithoutAByteCountCutAnywhere) {
 
 TEST_F(StnPixelListRefusalTest, Version2WithAVectorSizeTooLarge) {
   ExpectRefused(Version2(1, std::vector<UInt_t>(90, 1)).Set4(20, 91), 384,
-                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 91, expected at most 90\n");
+                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 91, expected at most 90, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, Version2WithAFlagWordThatMakesTheObjectLonger) {
-  ExpectRefused(Version2(1, std::vector<UInt_t>(90, 1)).Set4(12, TObject::kIsReferenced), 384,
-                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 5898240, expected at most 89\n");
+  ExpectRefused(
+      Version2(1, std::vector<UInt_t>(90, 1)).Set4(12, TObject::kIsReferenced), 384,
+      "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 5898240, expected at most 89, record skipped\n");
 }
 
 // Versions that cannot be read
@@ -621,7 +630,8 @@ TEST_F(StnPixelListStreamerTest, RefusedVersionIsReportedAtPrintLevel2) {
 }
 
 TEST_F(StnPixelListRefusalTest, ChecksumThatIsCut) {
-  ExpectRefused(Framed(0, "abc"), 9, "ERR:TStnPixelList::Streamer() - checksum: found 9 bytes, expected 10\n");
+  ExpectRefused(Framed(0, "abc"), 9,
+                "ERR:TStnPixelList::Streamer() - frame: found 9 bytes, expected at least 10, record skipped\n");
 }
 
 // Versions that only a description tells
@@ -686,7 +696,7 @@ TEST_F(StnPixelListRefusalTest, Version3CutAnywhere) {
 TEST_F(StnPixelListRefusalTest, Version3WithAVectorSizeTooLarge) {
   DescribeVersion3();
   ExpectRefused(Framed(3, Object().Add4(1).Add4(3).Add1(1).AddWords({0, 1})), 33,
-                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 3, expected at most 2\n");
+                "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 3, expected at most 2, record skipped\n");
 }
 
 TEST_F(StnPixelListStreamerTest, DescriptionDecidesTheTypeOnFile) {
@@ -707,21 +717,21 @@ TEST_F(StnPixelListRefusalTest, DescriptionWithoutAVector) {
   TDescription(6).AddNumber("fNPixels", TStreamerInfo::kUInt, "UInt_t", 4).AddSize().Register();
   ExpectRefused(Framed(6, Object().Add4(1).Add4(0)), 24,
                 "ERR:TStnPixelList::Streamer() - fPixelVector: found none in the description of the record, expected "
-                "an array of fPixelVectorSize words\n");
+                "an array of fPixelVectorSize words, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, DescriptionWithAVectorBeforeItsSize) {
   TDescription(8).AddVector().AddSize().Register();
   ExpectRefused(Framed(8, Object().Add1(1).Add4(0)), 21,
                 "ERR:TStnPixelList::Streamer() - fPixelVector: found a member of unknown size before fPixelVector, "
-                "expected numbers only\n");
+                "expected numbers only, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, DescriptionWithAMemberOfUnknownSize) {
   TDescription(7).Add(new TStreamerString("fName", "", 0)).AddSize().AddVector().Register();
   ExpectRefused(Framed(7, Object().Add1(0).Add4(0).Add1(1)), 22,
                 "ERR:TStnPixelList::Streamer() - fName: found a member of unknown size before fPixelVector, expected "
-                "numbers only\n");
+                "numbers only, record skipped\n");
 }
 
 TEST_F(StnPixelListStreamerTest, RecordThatNothingDescribesIsSkippedByRoot) {

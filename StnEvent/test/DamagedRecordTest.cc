@@ -1,0 +1,170 @@
+#include <StnEvent/StnEvent.h>
+
+#include <LogCapture.h>
+#include <Members.h>
+#include <MirrorEvents.h>
+#include <RecordBuffers.h>
+
+#include <TError.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+/// An event whose record has each part: two mirrors, T3, trigger and geometry data.
+void Fill(TStnEvent& event) {
+  for (UInt_t mirror : {1U, 2U})
+    event.AddEvent(MakeMirrorEvent(2, mirror).get());
+  event.GetT3Data();
+  event.GetTriggerData();
+  event.GetGeometryData();
+}
+
+/// Where a text begins in a record.
+size_t Find(const Bytes& bytes, const std::string& text) {
+  return std::search(bytes.begin(), bytes.end(), text.begin(), text.end()) - bytes.begin();
+}
+
+/// Where the frame of the first object of a class begins.
+size_t FindRecord(const Bytes& bytes, const std::string& class_name) {
+  return Find(bytes, class_name + '\0') + class_name.size() + 1;
+}
+
+class DamagedRecordTest : public testing::Test {
+ protected:
+  DamagedRecordTest() : fErrorLevel(gErrorIgnoreLevel) {
+    gErrorIgnoreLevel = kFatal;
+    Fill(fEvent);
+    fBytes = ToBytes(fEvent);
+  }
+  ~DamagedRecordTest() override { gErrorIgnoreLevel = fErrorLevel; }
+
+  /// The record is refused with this line, and the event stays empty.
+  void ExpectRefused(const std::string& line) {
+    TStnEvent event;
+    EXPECT_EQ(FromBytes(fBytes, event), Int_t(fBytes.size()));
+    EXPECT_EQ(fLog.Take(), "ERR:" + line + ", record skipped\n");
+    EXPECT_EQ(Member<void*>(event, "fFADCData"), nullptr);
+  }
+
+  Int_t fErrorLevel;
+  LogCapture fLog;
+  TStnEvent fEvent;
+  Bytes fBytes;
+};
+
+// Whatever byte is damaged, nothing outside of the record is read: behind it lies memory that may not be.
+
+class DamagedByteTest : public DamagedRecordTest, public testing::WithParamInterface<int> {};
+
+TEST_P(DamagedByteTest, OfAnEventIsSurvived) {
+  for (size_t i = 0; i < fBytes.size(); ++i) {
+    Bytes damaged = fBytes;
+    damaged[i] ^= GetParam();
+    TStnEvent event;
+    FromBytes(damaged, event);
+  }
+}
+
+TEST_P(DamagedByteTest, OfAnEventHeaderIsSurvived) {
+  const Bytes bytes = ToBytes(*fEvent.GetEventHeader());
+  for (size_t i = 0; i < bytes.size(); ++i) {
+    Bytes damaged = bytes;
+    damaged[i] ^= GetParam();
+    TStnEventHeader header;
+    FromBytes(damaged, header);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Bits, DamagedByteTest, testing::Values(0x01, 0x10, 0x40, 0x80, 0xFF));
+
+// What is said of each kind of damage
+
+TEST_F(DamagedRecordTest, TimeStampOfAHeaderThatIsTooLongIsRefused) {
+  Bytes bytes = ToBytes(*fEvent.GetEventHeader());
+  const size_t stamp = Find(bytes, std::string("\x40\0\0\x0a\0\1", 6));
+  Put(bytes, stamp, 0x40000000 | 60000, 4);
+  TStnEventHeader header;
+  EXPECT_EQ(FromBytes(bytes, header), Int_t(bytes.size()));
+  EXPECT_EQ(fLog.Take(), "ERR:VdRoot::TTimeStamp::Streamer() - byte count: found 60000, expected 2 to " +
+                             std::to_string(bytes.size() - stamp - 4) + ", record skipped\n");
+  EXPECT_EQ(header.GetMirrorDataBits(), 0U);
+}
+
+TEST_F(DamagedRecordTest, PointerBeyondTheRecordIsRefused) {
+  const size_t at = Find(fBytes, "TStnFADCData") - 8;
+  Put(fBytes, at, 0x40000000 | fBytes.size(), 4);
+  ExpectRefused("TStnFADCData::Streamer() - byte count of object: found " + std::to_string(fBytes.size()) +
+                ", expected 4 to " + std::to_string(fBytes.size() - at - 4));
+}
+
+TEST_F(DamagedRecordTest, PointerToAnObjectElsewhereIsRefused) {
+  const size_t at = Find(fBytes, "TStnFADCData") - 8;
+  Put(fBytes, at, 0x00000102, 4);
+  ExpectRefused("TStnFADCData::Streamer() - byte count of object: found 1073742082, expected 4 to " +
+                std::to_string(fBytes.size() - at - 4));
+}
+
+TEST_F(DamagedRecordTest, PointerToAnObjectOfAnotherClassIsRefused) {
+  const size_t at = Find(fBytes, "TStnT3Data");
+  std::copy_n("TStnEvent\0", 10, fBytes.begin() + at);
+  ExpectRefused("TStnT3Data::Streamer() - class: found TStnEvent, expected TStnT3Data");
+}
+
+TEST_F(DamagedRecordTest, ClassWithoutANameIsRefused) {
+  const size_t at = Find(fBytes, "TStnT3Data");
+  fBytes[at] = '<';
+  ExpectRefused("TStnT3Data::Streamer() - class: found no name, expected TStnT3Data");
+}
+
+TEST_F(DamagedRecordTest, ArrayOfMoreTracesThanTheRecordHoldsIsRefused) {
+  // Frame, TObject part and name stand before the size.
+  Put(fBytes, FindRecord(fBytes, "TObjArray") + 6 + 10 + 1, 0x7FFFFFFF, 4);
+  TStnEvent event;
+  EXPECT_EQ(FromBytes(fBytes, event), Int_t(fBytes.size()));
+  EXPECT_EQ(fLog.Take(), "ERR:TFADCData::Streamer() - object: found 0 bytes, expected at least 4, record skipped\n");
+}
+
+TEST_F(DamagedRecordTest, ArrayThatBeginsElsewhereIsRefused) {
+  Put(fBytes, FindRecord(fBytes, "TObjArray") + 6 + 10 + 1 + 4, 5, 4);
+  ExpectRefused("TObjArray::Streamer() - fLowerBound: found 5, expected 0 or 1");
+}
+
+TEST_F(DamagedRecordTest, ArrayOfAnUnknownVersionIsRefused) {
+  Put(fBytes, FindRecord(fBytes, "TObjArray") + 4, 2, 2);
+  ExpectRefused("TObjArray::Streamer() - version: found 2, expected 3");
+}
+
+TEST_F(DamagedRecordTest, SlotWithAnObjectThatIsNoTraceIsRefused) {
+  const size_t at = Find(fBytes, "TFADCData");
+  std::copy_n("TNamed\0\0\0", 9, fBytes.begin() + at);
+  ExpectRefused("TFADCData::Streamer() - class: found TNamed, expected TFADCData");
+}
+
+TEST_F(DamagedRecordTest, TraceWithTheTagOfAnotherClassIsRefused) {
+  const UInt_t tag = 0x80000000 | (Find(fBytes, "TFADCData") - 4 + 2);
+  Bytes tag_bytes(4);
+  Put(tag_bytes, 0, tag, 4);
+  const size_t at = Find(fBytes, std::string(tag_bytes.begin(), tag_bytes.end()));
+  ASSERT_LT(at, fBytes.size());
+  const UInt_t other = 0x80000000 | (Find(fBytes, "TStnFADCData") - 4 + 2);
+  Put(fBytes, at, other, 4);
+  ExpectRefused("TFADCData::Streamer() - class tag: found " + std::to_string(other) + ", expected that of TFADCData");
+}
+
+TEST_F(DamagedRecordTest, PartWithoutAVersionIsRefused) {
+  Put(fBytes, FindRecord(fBytes, "TStnGeometryData") + 4, 0, 2);
+  ExpectRefused("TStnGeometryData::Streamer() - version: found 0, expected at least 1");
+}
+
+TEST_F(DamagedRecordTest, PartThatIsTooShortIsRefused) {
+  const size_t at = FindRecord(fBytes, "TStnGeometryData");
+  Put(fBytes, at, 0x40000000 | 20, 4);
+  ExpectRefused("TStnGeometryData::Streamer() - fAxisAzimuth: found 8 bytes, expected at least 24");
+}
+
+}  // namespace
