@@ -33,8 +33,8 @@ struct Scale {
   int fFileTurns;
   int fFilesPerTurn;
 };
-const Scale kFull = {7, {1, 404, 501, 505}, 2100, 100, 1000, 20, 500};
-const Scale kQuick = {3, {1, 501}, 2100, 20, 1000, 4, 250};
+const Scale kFull = {7, {1, 404, 501, 505}, 2100, 100, 1000, 200, 50};
+const Scale kQuick = {3, {1, 501}, 2100, 20, 1000, 40, 25};
 const Scale kTiny = {1, {1, 501}, 2, 2, 10, 2, 3};
 
 const int kLongRunCompression = 501;
