@@ -1,5 +1,6 @@
 #include <StnEvent/StnEventFile.h>
 
+#include <StnEvent/StnBasketKey.h>
 #include <StnEvent/StnEvent.h>
 #include <StnEvent/StnRunHeader.h>
 #include <StnEvent/StnRunTrailer.h>
@@ -24,6 +25,7 @@
 #include <iomanip>
 #include <limits>
 #include <new>
+#include <vector>
 
 #include <unistd.h>
 
@@ -325,11 +327,34 @@ Bool_t TStnEventFile::ReadEvent(TStnEvent** event) {
   }
   const Int_t debug_level = gDebug;
   if (fgPrintLevel > 3) gDebug = 2;
-  fTree->GetEntry(fCurrentEntry, 0);
+  ReadWholeEvent();
   ++fCurrentEntry;
   gDebug = debug_level;
   TStnEvent::DoCorrections(*event);
   return kTRUE;
+}
+
+Bool_t TStnEventFile::IsBasketSound(TBranch& branch, const char* reader) {
+  StnBasketKey key(branch, fCurrentEntry, GetFd());
+  const std::string damage = key.FindDamage();
+  if (damage.empty()) return kTRUE;
+  VD_ERROR << "TStnEventFile::" << reader << "() - file '" << GetName() << "', entry " << fCurrentEntry
+           << ": basket of '" << branch.GetName() << "' at byte " << key.GetPlace() << " is damaged, " << damage
+           << ", not read" << std::endl;
+  return kFALSE;
+}
+
+void TStnEventFile::ReadWholeEvent() {
+  std::vector<TBranch*> left_out;
+  for (TObject* object : *fBranch->GetListOfBranches()) {
+    auto* branch = static_cast<TBranch*>(object);
+    if (branch->TestBit(kDoNotProcess) || IsBasketSound(*branch, "ReadEvent")) continue;
+    branch->SetBit(kDoNotProcess);
+    left_out.push_back(branch);
+  }
+  fTree->GetEntry(fCurrentEntry, 0);
+  for (TBranch* branch : left_out)
+    branch->ResetBit(kDoNotProcess);
 }
 
 Bool_t TStnEventFile::ReadEventHeader(TStnEventHeader** header) {
@@ -347,6 +372,7 @@ Bool_t TStnEventFile::ReadEventHeader(TStnEventHeader** header) {
 }
 
 Int_t TStnEventFile::ReadPartialEvent() {
+  if (!IsBasketSound(*fEventHeaderBranch, "ReadEventHeader")) return 0;
   // ROOT makes a new header for each entry and deletes the last one, which callers still hold: that one is put aside
   // while ROOT reads, and takes the contents over.
   TStnEventHeader* kept = fPartialEvent->fEventHeader;

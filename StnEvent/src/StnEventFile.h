@@ -60,7 +60,8 @@ class TStnEventFile : public TFile {
 
   /// Reads the event at the cursor and moves the cursor on. `*event` is cleared and filled, with what old files got wrong
   /// mended; if it is null, a new event is made, which the file does not delete. False, with a message logged, at the
-  /// end of the file (`*event` is empty then) and when the file has no events.
+  /// end of the file (`*event` is empty then) and when the file has no events. A part of the event that is damaged on
+  /// file is left out, with a message logged by this class or by ROOT.
   Bool_t ReadEvent(TStnEvent** event);
   /// The same for the event number `pos`, counted from 0.
   Bool_t ReadEvent(TStnEvent** event, unsigned int pos) {
@@ -71,7 +72,7 @@ class TStnEventFile : public TFile {
   /// the same at every call: copy what is to be kept, and don't delete it. It is not corrected for faults of old files.
   /// `GetCurrentEntryId()` is the number to give to `ReadEvent` for the rest of this event. `header` must not be null
   /// (assertion). False, with `*header` unchanged, at the end of the file or when the file has no events, with a message
-  /// logged, and when the entry can't be read, without.
+  /// logged, and when the entry can't be read, with a message of this class or of ROOT.
   Bool_t ReadEventHeader(TStnEventHeader** header);
   /// Deletes `*header`, which must be null or an object made with `new`, and makes it the run header on file, which is
   /// then the caller's. False, with `*header` null and a message logged, if there is none.
@@ -128,6 +129,8 @@ class TStnEventFile : public TFile {
   void FillTree();
   Bool_t WriteRecord(const TObject* record, const char* name);
   void EnterDirectory();
+  Bool_t IsBasketSound(TBranch& branch, const char* reader);
+  void ReadWholeEvent();
   Int_t ReadPartialEvent();
 
   TBranch* fBranch = nullptr;             // event branch in split level=1

@@ -68,9 +68,11 @@ def judge(outcome, good):
     if "done" not in outcome.results:
         return "ended" if number == "1" else "crash"
     read = {what: value for what, value in outcome.results.items() if value != "-"}
-    wrong = [what for what, value in read.items() if good.results.get(what) != value]
+    wrong = [what for what, value in read.items() if good.results.get(what) != value and what != "open"]
     if not wrong and len(read) == len(good.results):
         return "whole"
+    if outcome.results["open"] != good.results["open"]:
+        return "told"
     if wrong and not outcome.said_before(wrong[0]):
         return "wrong"
     return "told" if outcome.messages else "silent"
