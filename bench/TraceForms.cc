@@ -9,6 +9,7 @@ namespace {
 
 constexpr Int_t kN = TraceForm::kNWords;
 UChar_t gByte[kN];
+UChar_t gHigh[kN];
 UShort_t gIndex[kN];
 UShort_t gOther[kN];
 
@@ -178,5 +179,36 @@ void DeltaForm::Streamer(TBuffer& b) {
   UShort_t before = fBase;
   for (Int_t i = 0; i < fN; ++i)
     before = words[i] = bytes[i] == 255 ? gOther[other++] : before + bytes[i] - 127;
+  b.CheckByteCount(start, count, Class());
+}
+
+void LowHighForm::Streamer(TBuffer& b) {
+  if (b.IsWriting()) {
+    fNLow = Pack();
+    const UShort_t* from = fWord + fFirst;
+    for (Int_t i = 0; i < fNLow; ++i) {
+      const UShort_t difference = from[i] - fBase;
+      gByte[i] = difference & 0xFF;
+      gHigh[i] = difference >> 8;
+    }
+    Int_t last = fNLow;
+    while (last > 0 && gHigh[last - 1] == 0)
+      --last;
+    fFirstHigh = std::find_if(gHigh, gHigh + last, [](UChar_t byte) { return byte != 0; }) - gHigh;
+    fNHigh = last - fFirstHigh;
+    fLow = gByte;
+    fHigh = gHigh + fFirstHigh;
+    b.WriteClassBuffer(Class(), this);
+    fLow = fHigh = nullptr;
+    return;
+  }
+  READ_HEAD;
+  b >> fFirstHigh >> fNLow >> fNHigh;
+  const UChar_t* low = ReadBytes(b, fNLow);
+  const UChar_t* high = ReadBytes(b, fNHigh);
+  for (Int_t i = 0; i < fNLow; ++i)
+    words[i] = fBase + low[i];
+  for (Int_t i = 0; i < fNHigh; ++i)
+    words[fFirstHigh + i] += high[i] << 8;
   b.CheckByteCount(start, count, Class());
 }

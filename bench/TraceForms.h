@@ -58,4 +58,14 @@ class DeltaForm : public TraceForm {
   ClassDefOverride(DeltaForm, 1)
 };
 
+/// The low bytes of the differences to the base, and the high bytes from the first to the last that is not 0.
+class LowHighForm : public TraceForm {
+  UShort_t fFirstHigh = 0;   // index of the first high byte
+  Int_t fNLow = 0;           // number of low bytes
+  Int_t fNHigh = 0;          // number of high bytes
+  UChar_t* fLow = nullptr;   //[fNLow] low bytes
+  UChar_t* fHigh = nullptr;  //[fNHigh] high bytes
+  ClassDefOverride(LowHighForm, 1)
+};
+
 #endif

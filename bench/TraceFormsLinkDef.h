@@ -9,5 +9,6 @@
 #pragma link C++ class ListForm - ;
 #pragma link C++ class EscapeForm - ;
 #pragma link C++ class DeltaForm - ;
+#pragma link C++ class LowHighForm - ;
 
 #endif

@@ -159,6 +159,7 @@ int main(int argc, char** argv) {
       Measure<ListForm>(words, compression, results);
       Measure<EscapeForm>(words, compression, results);
       Measure<DeltaForm>(words, compression, results);
+      Measure<LowHighForm>(words, compression, results);
       Measure<TFADCData>(words, compression, results);
     }
   std::remove(kFileName);

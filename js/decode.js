@@ -86,13 +86,51 @@ function require(object, name, limit) {
   throw new RangeError(`${object._typename}: ${name}: found ${found}, expected 0 to ${limit}`);
 }
 
-/** The 2000 words of a trace (TFADCData), from their packed form. */
-export function decodeWords(trace) {
-  const words = new Uint16Array(kNWords);
+function requireEqual(object, name, expected) {
+  if (object[name] !== expected) throw new RangeError(`${object._typename}: ${name}: found ${object[name]}, expected ${expected}`);
+}
+
+/** Half bytes, the first in the low bits of the first byte. */
+function halves(bytes, n) {
+  return Uint8Array.from({ length: 2 * n }, (_, i) => (bytes[i >> 1] >> (4 * (i & 1))) & 15);
+}
+
+/** The words of class version 1, in low and high bytes. */
+function fillBytes(trace, words) {
   const nLow = require(trace, 'fNLow', kNWords - trace.fFirstLow);
   const nHigh = require(trace, 'fNHigh', kNWords - trace.fFirstHigh);
   for (let i = 0; i < nLow; ++i) words[trace.fFirstLow + i] = trace.fBase + trace.fLow[i];
   for (let i = 0; i < nHigh; ++i) words[trace.fFirstHigh + i] += trace.fHigh[i] << 8;
+}
+
+/** The words of class version 2: near, far or wide. */
+function fillHalves(trace, words) {
+  const n = require(trace, 'fNWords', kNWords - trace.fFirst);
+  if (trace.fNNear !== 0) requireEqual(trace, 'fNNear', (n + 1) >> 1);
+  const near = halves(trace.fNear, trace.fNNear);
+  const far = halves(trace.fFar, trace.fNFar);
+  let nFar = 0;
+  let nWide = 0;
+  for (let i = 0; i < n; ++i) {
+    let difference = 57 + near[i];
+    if (!(near[i] < 15)) {
+      const half = near.length > 0 ? far[nFar++] : 15;
+      difference = half < 7 ? 50 + half : 65 + half;
+      if (half === 15) {
+        difference = trace.fWideLow?.[nWide] + ((trace.fWideHigh?.[nWide - trace.fFirstWideHigh] ?? 0) << 8);
+        ++nWide;
+      }
+    }
+    words[trace.fFirst + i] = trace.fBase + difference;
+  }
+  requireEqual(trace, 'fNFar', (nFar + 1) >> 1);
+  requireEqual(trace, 'fNWide', nWide);
+}
+
+/** The 2000 words of a trace (TFADCData), from their packed form. */
+export function decodeWords(trace) {
+  const words = new Uint16Array(kNWords);
+  (trace.fNLow === undefined ? fillHalves : fillBytes)(trace, words);
   return words;
 }
 

@@ -1,6 +1,7 @@
 #include <MrEvent/FadcData.h>
 
 #include <MrEvent/MrRecordReader.h>
+#include <MrEvent/MrTraceCode.h>
 
 #include <TBuffer.h>
 #include <TClass.h>
@@ -22,46 +23,6 @@ Record* NewRecord() {
   Record* record = new Record();
   record->fTraceInfo.fResolution = TFADCData::kFADC_DEFAULT_RESOLUTION;
   return record;
-}
-
-/// Bins first to last - 1.
-struct BinRange {
-  UInt_t fFirst = 0;
-  UInt_t fLast = 0;
-  UInt_t Size() const { return fLast - fFirst; }
-};
-
-/// The range that leaves out zeros at both ends; empty at 0 when there is nothing else.
-template <class T, class IsZero>
-BinRange WithoutZeros(const T* values, UInt_t n, IsZero is_zero) {
-  BinRange range;
-  range.fLast = n;
-  while (range.fLast > 0 && is_zero(values[range.fLast - 1]))
-    --range.fLast;
-  while (range.fFirst < range.fLast && is_zero(values[range.fFirst]))
-    ++range.fFirst;
-  return range;
-}
-
-/// The level of the trace: the median of some of its words, made finer by the mean of all words near it. With the
-/// level of each trace at the same byte value, traces of one file compress together.
-UShort_t GetLevel(const Word* words, UInt_t n) {
-  constexpr UInt_t kNProbes = 31;
-  constexpr Int_t kNear = 32;
-  UShort_t probes[kNProbes];
-  for (UInt_t i = 0; i < kNProbes; ++i)
-    probes[i] = words[i * n / kNProbes].fWord;
-  std::nth_element(probes, probes + kNProbes / 2, probes + kNProbes);
-  const Int_t median = probes[kNProbes / 2];
-  Int_t count = 0;
-  Int_t sum = 0;
-  for (UInt_t i = 0; i < n; ++i) {
-    const Int_t difference = words[i].fWord - median;
-    const Int_t is_near = difference >= -kNear && difference <= kNear;
-    count += is_near;
-    sum += is_near * difference;
-  }
-  return static_cast<UShort_t>(median + sum / count);
 }
 
 }  // namespace
@@ -125,12 +86,13 @@ void TFADCData::Streamer(TBuffer& b) {
 }
 
 void TFADCData::WriteRecord(TBuffer& b) {
-  UChar_t low[kNFADCWords];
-  UChar_t high[kNFADCWords];
+  MrTraceCode code;
+  MrTraceCode::Room room;
+  code.Encode(GetWords(), room);
   PackValues();
-  PackWords(low, high);
+  SetCode(code);
   b.WriteClassBuffer(Class(), this);
-  fLow = fHigh = nullptr;
+  SetCode(MrTraceCode());
 }
 
 void TFADCData::PackValues() {
@@ -144,62 +106,7 @@ void TFADCData::PackValues() {
   fTraceStartTime = fRecord->fTraceStartTime;
 }
 
-/// Fills base and bytes of the form on file; the bytes stand in the two arrays, which have room for all words.
-void TFADCData::PackWords(UChar_t* low, UChar_t* high) {
-  const BinRange used = WithoutZeros(fRecord->fFadcData, kNFADCWords, [](Word word) { return word.fWord == 0; });
-  const Word* words = fRecord->fFadcData + used.fFirst;
-  const UInt_t n = used.Size();
-  // Three quarters of the range of a byte lie above the level: signals go up.
-  fBase = n == 0 ? 0 : GetLevel(words, n) - 64;
-  for (UInt_t i = 0; i < n; ++i) {
-    const UShort_t difference = words[i].fWord - fBase;
-    low[i] = difference & 0xFF;
-    high[i] = difference >> 8;
-  }
-  const BinRange not_zero = WithoutZeros(high, n, [](UChar_t byte) { return byte == 0; });
-
-  fFirstLow = used.fFirst;
-  fFirstHigh = not_zero.Size() == 0 ? 0 : used.fFirst + not_zero.fFirst;
-  fNLow = n;
-  fNHigh = not_zero.Size();
-  fLow = low;
-  fHigh = high + not_zero.fFirst;
-}
-
-void TFADCData::ReadRecord(TBuffer& b) {
-  MrRecordReader reader(b, Class());
-  if (reader.GetVersion() == Class_Version()) {
-    ReadCurrentVersion(reader);
-    return;
-  }
-  fFirstLow = fFirstHigh = 0;
-  fNLow = fNHigh = 0;
-  reader.ReadByDescription(this);
-  if (CheckCounts(reader) && reader.CheckArray("fLow", fLow, fNLow) && reader.CheckArray("fHigh", fHigh, fNHigh))
-    Unpack(fLow, fHigh);
-  delete[] fLow;
-  delete[] fHigh;
-  fLow = fHigh = nullptr;
-}
-
-void TFADCData::ReadCurrentVersion(MrRecordReader& reader) {
-  reader.ReadObject(this);
-  reader >> fPixelWord >> fTraceInfo >> fPrevThreshold >> fActualThreshold >> fActualRate >> fMean >> fVariance >>
-      fTraceStartTime >> fBase >> fFirstLow >> fFirstHigh >> fNLow >> fNHigh;
-  if (!CheckCounts(reader)) return;
-  const UChar_t* low = reader.ReadBytes("fLow", fNLow);
-  const UChar_t* high = reader.ReadBytes("fHigh", fNHigh);
-  if (reader.IsComplete()) Unpack(low, high);
-}
-
-bool TFADCData::CheckCounts(MrRecordReader& reader) const {
-  return reader.CheckCount("fNLow", fNLow, Int_t(kNFADCWords) - fFirstLow) &&
-         reader.CheckCount("fNHigh", fNHigh, Int_t(kNFADCWords) - fFirstHigh);
-}
-
-/// Fills the record from the form on file, whose counts have been checked.
-void TFADCData::Unpack(const UChar_t* low, const UChar_t* high) {
-  Own();
+void TFADCData::UnpackValues() {
   fRecord->fPixelNumber.fPixelNumber = fPixelWord;
   fRecord->fTraceInfo.fWord = fTraceInfo;
   fRecord->fMonitor.fPrevThreshold = fPrevThreshold;
@@ -208,11 +115,123 @@ void TFADCData::Unpack(const UChar_t* low, const UChar_t* high) {
   fRecord->fMonitor.fMean = fMean;
   fRecord->fMonitor.fVariance = fVariance;
   fRecord->fTraceStartTime = fTraceStartTime;
+}
 
-  Word* words = fRecord->fFadcData;
-  std::fill(words, words + kNFADCWords, Word());
-  for (Int_t i = 0; i < fNLow; ++i)
-    words[fFirstLow + i].fWord = fBase + low[i];
-  for (Int_t i = 0; i < fNHigh; ++i)
-    words[fFirstHigh + i].fWord += high[i] << 8;
+void TFADCData::SetCode(const MrTraceCode& code) {
+  fBase = code.fBase;
+  fFirst = code.fFirst;
+  fNWords = code.fNWords;
+  fFirstWideHigh = code.fFirstHigh;
+  fNNear = code.fNNear;
+  fNFar = code.fNFar;
+  fNWide = code.fNWide;
+  fNWideHigh = code.fNHigh;
+  fNear = code.fNear;
+  fFar = code.fFar;
+  fWideLow = code.fLow;
+  fWideHigh = code.fHigh;
+}
+
+MrTraceCode TFADCData::GetCode() const {
+  MrTraceCode code;
+  code.fBase = fBase;
+  code.fFirst = fFirst;
+  code.fNWords = fNWords;
+  code.fFirstHigh = fFirstWideHigh;
+  code.fNNear = fNNear;
+  code.fNFar = fNFar;
+  code.fNWide = fNWide;
+  code.fNHigh = fNWideHigh;
+  code.fNear = fNear;
+  code.fFar = fFar;
+  code.fLow = fWideLow;
+  code.fHigh = fWideHigh;
+  return code;
+}
+
+void TFADCData::ReadRecord(TBuffer& b) {
+  MrRecordReader reader(b, Class());
+  if (reader.GetVersion() == Class_Version())
+    ReadCurrentVersion(reader);
+  else if (reader.GetVersion() == 1)
+    ReadVersion1(reader);
+  else
+    ReadLaterVersion(reader);
+  // What they point to is the buffer's, or has been deleted.
+  SetCode(MrTraceCode());
+}
+
+/// The word of bin b was fBase + fLow[b - fFirstLow] + 256 * fHigh[b - fFirstHigh].
+void TFADCData::ReadVersion1(MrRecordReader& reader) {
+  UShort_t first_low = 0;
+  UShort_t first_high = 0;
+  Int_t n_low = 0;
+  Int_t n_high = 0;
+  reader.ReadObject(this);
+  reader >> fPixelWord >> fTraceInfo >> fPrevThreshold >> fActualThreshold >> fActualRate >> fMean >> fVariance >>
+      fTraceStartTime >> fBase >> first_low >> first_high >> n_low >> n_high;
+  if (!reader.CheckCount("fNLow", n_low, Int_t(kNFADCWords) - first_low) ||
+      !reader.CheckCount("fNHigh", n_high, Int_t(kNFADCWords) - first_high))
+    return;
+  const UChar_t* low = reader.ReadBytes("fLow", n_low);
+  const UChar_t* high = reader.ReadBytes("fHigh", n_high);
+  if (!reader.IsComplete()) return;
+  Own();
+  UnpackValues();
+  UShort_t* words = GetWords();
+  std::fill(words, words + kNFADCWords, 0);
+  for (Int_t i = 0; i < n_low; ++i)
+    words[first_low + i] = fBase + low[i];
+  for (Int_t i = 0; i < n_high; ++i)
+    words[first_high + i] += high[i] << 8;
+}
+
+void TFADCData::ReadCurrentVersion(MrRecordReader& reader) {
+  reader.ReadObject(this);
+  reader >> fTraceInfo >> fVariance >> fTraceStartTime >> fFirst >> fNWords >> fNNear >> fFirstWideHigh >> fNWideHigh >>
+      fNWide >> fNFar >> fPixelWord >> fPrevThreshold >> fActualThreshold >> fActualRate >> fMean >> fBase;
+  if (!CheckCounts(reader)) return;
+  fWideHigh = reader.ReadBytes("fWideHigh", fNWideHigh);
+  fWideLow = reader.ReadBytes("fWideLow", fNWide);
+  fFar = reader.ReadBytes("fFar", fNFar);
+  fNear = reader.ReadBytes("fNear", fNNear);
+  if (!reader.IsComplete() || !CheckWords(reader)) return;
+  Own();
+  UnpackValues();
+  GetCode().Decode(GetWords());
+}
+
+void TFADCData::ReadLaterVersion(MrRecordReader& reader) {
+  SetCode(MrTraceCode());
+  reader.ReadByDescription(this);
+  const bool has_arrays = CheckCounts(reader) && reader.CheckArray("fWideHigh", fWideHigh, fNWideHigh) &&
+                          reader.CheckArray("fWideLow", fWideLow, fNWide) && reader.CheckArray("fFar", fFar, fNFar) &&
+                          reader.CheckArray("fNear", fNear, fNNear);
+  if (has_arrays && CheckWords(reader)) {
+    Own();
+    UnpackValues();
+    GetCode().Decode(GetWords());
+  }
+  for (UChar_t* array : {fWideHigh, fWideLow, fFar, fNear})
+    delete[] array;
+}
+
+/// The counts, as far as they can be known without the arrays.
+bool TFADCData::CheckCounts(MrRecordReader& reader) const {
+  const Int_t n_pairs = (fNWords + 1) / 2;
+  if (!reader.CheckCount("fNWords", fNWords, Int_t(kNFADCWords) - fFirst)) return false;
+  if (fNNear != 0 && fNNear != n_pairs) return reader.Fail("fNNear", fNNear, "0 or " + std::to_string(n_pairs));
+  return reader.CheckCount("fNFar", fNFar, n_pairs) && reader.CheckCount("fNWide", fNWide, fNWords) &&
+         reader.CheckCount("fNWideHigh", fNWideHigh, fNWide - fFirstWideHigh);
+}
+
+/// Whether the half bytes ask for as many words as there are.
+bool TFADCData::CheckWords(MrRecordReader& reader) const {
+  const MrTraceCode code = GetCode();
+  if (fNNear != 0 && !MrTraceCode::IsPadded(fNear, fNWords)) return reader.Fail("fNear", fNear[fNNear - 1], "0 to 15");
+  const Int_t n_far = code.CountFar();
+  if (fNFar != (n_far + 1) / 2) return reader.Fail("fNFar", fNFar, std::to_string((n_far + 1) / 2));
+  if (!MrTraceCode::IsPadded(fFar, n_far)) return reader.Fail("fFar", fFar[fNFar - 1], "0 to 15");
+  const Int_t n_wide = code.CountWide();
+  return fNWide == n_wide || reader.Fail("fNWide", fNWide, std::to_string(n_wide));
 }

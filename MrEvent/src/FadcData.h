@@ -9,6 +9,7 @@
 #include <iostream>
 
 class MrRecordReader;
+struct MrTraceCode;
 
 /// The FADC trace of one pixel. The sample of bin b stands in word b of the record; bins of 2000 and above have no word.
 class TFADCData : public TObject {
@@ -127,35 +128,48 @@ class TFADCData : public TObject {
   void Own();
   void WriteRecord(TBuffer& b);
   void PackValues();
-  void PackWords(UChar_t* low, UChar_t* high);
+  void SetCode(const MrTraceCode& code);
+  MrTraceCode GetCode() const;
   void ReadRecord(TBuffer& b);
+  void ReadVersion1(MrRecordReader& reader);
   void ReadCurrentVersion(MrRecordReader& reader);
+  void ReadLaterVersion(MrRecordReader& reader);
   bool CheckCounts(MrRecordReader& reader) const;
-  void Unpack(const UChar_t* low, const UChar_t* high);
+  bool CheckWords(MrRecordReader& reader) const;
+  void UnpackValues();
+  UShort_t* GetWords() { return &fRecord->fFadcData[0].fWord; }
 
   _FADCDataRec* fRecord;  //!
   bool fIsOwner;          //!
 
-  // Form on file, in use during streaming only. The word of bin b is, modulo 65536,
-  //   fBase + fLow[b - fFirstLow] + 256 * fHigh[b - fFirstHigh],
-  // in which a bin outside fHigh has no high byte, and a bin outside fLow is 0.
-  UInt_t fPixelWord = 0;        // pixel number
-  UInt_t fTraceInfo = 0;        // start bin in bits 0 to 11, end bin in bits 12 to 23, resolution in bits 24 and 25
-  UInt_t fPrevThreshold = 0;    // previous threshold
-  UInt_t fActualThreshold = 0;  // actual threshold
-  UInt_t fActualRate = 0;       // actual rate
-  Double_t fMean = 0;           // mean
-  Double_t fVariance = 0;       // variance
-  Float_t fTraceStartTime = 0;  // start of the trace
-  UShort_t fBase = 0;           // base value of the trace
-  UShort_t fFirstLow = 0;       // bin of the first low byte
-  UShort_t fFirstHigh = 0;      // bin of the first high byte
-  Int_t fNLow = 0;              // number of low bytes
-  Int_t fNHigh = 0;             // number of high bytes
-  UChar_t* fLow = nullptr;      //[fNLow] low bytes of the words' differences to the base
-  UChar_t* fHigh = nullptr;     //[fNHigh] their high bytes, from the first to the last that is not 0
+  // Form on file, in use during streaming only. The word of bin b, of fNWords bins from fFirst on, is fBase plus the
+  // difference that the first of these gives which is not 15, modulo 65536; words outside are 0:
+  //   57 + half byte b - fFirst of fNear;
+  //   50 + the next half byte of fFar if that is below 7, and 65 + it otherwise;
+  //   the next byte of fWideLow, and 256 * the byte of fWideHigh for it, which has those from fFirstWideHigh on.
+  // Without fNear the words are all in fWideLow and fWideHigh.
+  UInt_t fTraceInfo = 0;         // start bin in bits 0 to 11, end bin in bits 12 to 23, resolution in bits 24 and 25
+  Double_t fVariance = 0;        // variance
+  Float_t fTraceStartTime = 0;   // start of the trace
+  UShort_t fFirst = 0;           // bin of the first word
+  UShort_t fNWords = 0;          // number of words
+  Int_t fNNear = 0;              // number of bytes with near words
+  UShort_t fFirstWideHigh = 0;   // first wide word with a high byte
+  Int_t fNWideHigh = 0;          // number of high bytes of wide words
+  Int_t fNWide = 0;              // number of wide words
+  Int_t fNFar = 0;               // number of bytes with far words
+  UInt_t fPixelWord = 0;         // pixel number
+  UInt_t fPrevThreshold = 0;     // previous threshold
+  UInt_t fActualThreshold = 0;   // actual threshold
+  UInt_t fActualRate = 0;        // actual rate
+  Double_t fMean = 0;            // mean
+  UShort_t fBase = 0;            // base value of the trace
+  UChar_t* fWideHigh = nullptr;  //[fNWideHigh] high bytes of the wide words, from the first to the last that is not 0
+  UChar_t* fWideLow = nullptr;   //[fNWide] their low bytes
+  UChar_t* fFar = nullptr;       //[fNFar] two far words in a byte, the first in the low bits
+  UChar_t* fNear = nullptr;      //[fNNear] two near words in a byte, the first in the low bits
 
-  ClassDefOverride(TFADCData, 1)
+  ClassDefOverride(TFADCData, 2)
 };
 
 #endif

@@ -47,11 +47,11 @@ bool MrRecordReader::CheckArray(const char* field, const void* array, Int_t coun
   return count == 0 || array || Fail(field, 0, "1");
 }
 
-const UChar_t* MrRecordReader::ReadBytes(const char* field, Int_t count) {
+UChar_t* MrRecordReader::ReadBytes(const char* field, Int_t count) {
   if (!BeginArray(field, count, 1) || count == 0) return nullptr;
-  const char* bytes = fBuffer.Buffer() + fBuffer.Length();
+  char* bytes = fBuffer.Buffer() + fBuffer.Length();
   fBuffer.SetBufferOffset(fBuffer.Length() + count);
-  return reinterpret_cast<const UChar_t*>(bytes);
+  return reinterpret_cast<UChar_t*>(bytes);
 }
 
 bool MrRecordReader::IsComplete() {

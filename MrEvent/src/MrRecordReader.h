@@ -49,7 +49,7 @@ class MrRecordReader {
     if (BeginArray(field, count, sizeof(T)) && count > 0) fBuffer.ReadFastArray(array, count);
   }
   /// The bytes of a counted array whose count was checked, where they stand in the buffer; null when there are none.
-  const UChar_t* ReadBytes(const char* field, Int_t count);
+  UChar_t* ReadBytes(const char* field, Int_t count);
 
   /// True when nothing failed and the record has been read to its end.
   bool IsComplete();

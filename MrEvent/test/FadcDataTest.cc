@@ -70,15 +70,29 @@ void ExpectComesBack(TFADCData& trace) {
   ExpectSameRecord(back, trace);
 }
 
-// Places of the counts in a record: frame (6 bytes), TObject (10), then the members.
+// Places in a record: frame (6 bytes), TObject (10), then the members.
 constexpr size_t kVersionAt = 4;
 constexpr size_t kObjectAt = 6;
-constexpr size_t kPixelWordAt = 16;
-constexpr size_t kFirstLowAt = kPixelWordAt + 5 * 4 + 2 * 8 + 4 + 2;
-constexpr size_t kFirstHighAt = kFirstLowAt + 2;
-constexpr size_t kNLowAt = kFirstHighAt + 2;
-constexpr size_t kNHighAt = kNLowAt + 4;
-constexpr size_t kArraysAt = kNHighAt + 4;
+constexpr size_t kFirstAt = 32;
+constexpr size_t kNWordsAt = 34;
+constexpr size_t kNNearAt = 36;
+constexpr size_t kFirstHighAt = 40;
+constexpr size_t kNHighAt = 42;
+constexpr size_t kNWideAt = 46;
+constexpr size_t kNFarAt = 50;
+constexpr size_t kBaseAt = 78;
+constexpr size_t kArraysAt = 80;
+constexpr size_t kNArrays = 4;
+
+/// A trace of equal words, but for those named.
+TFADCData MakeQuietTrace(UInt_t n, const std::vector<std::pair<UInt_t, UShort_t>>& others = {}) {
+  TFADCData trace;
+  for (UInt_t bin = 0; bin < n; ++bin)
+    trace.GetRecord()->fFadcData[bin].fWord = 180;
+  for (const auto& [bin, word] : others)
+    trace.GetRecord()->fFadcData[bin].fWord = word;
+  return trace;
+}
 
 TEST(FadcData, NewTraceIsZeroWithDefaultResolution) {
   const TFADCData trace;
@@ -347,18 +361,69 @@ TEST(FadcDataOnFile, RandomWordsComeBack) {
   }
 }
 
+TEST(FadcDataOnFile, EveryWordComesBackBesideEveryLevel) {
+  for (UInt_t level : {0u, 1u, 30u, 57u, 64u, 180u, 0x0fffu, 0x8000u, 0xffffu})
+    for (UInt_t from = 0; from < 0x10000; from += kN / 4) {
+      TFADCData trace;
+      for (UInt_t bin = 0; bin < kN; ++bin)
+        trace.GetRecord()->fFadcData[bin].fWord = bin % 4 == 0 ? from + bin / 4 : level;
+      TFADCData back;
+      FromBytes(ToBytes(trace), back);
+      ASSERT_EQ(Words(back), Words(trace)) << level << ", " << from;
+    }
+}
+
+TEST(FadcDataOnFile, NoiseOfAnyWidthComesBackFromAnyRangeOfBins) {
+  std::mt19937 random(11);
+  for (double width : {0.3, 3.5, 7., 12., 25., 100., 1000.})
+    for (int i = 0; i < 50; ++i) {
+      std::normal_distribution<double> noise(2000, width);
+      TFADCData trace;
+      const UInt_t first = random() % kN;
+      const UInt_t last = first + random() % (kN - first + 1);
+      for (UInt_t bin = first; bin < last; ++bin)
+        trace.GetRecord()->fFadcData[bin].fWord = UShort_t(Int_t(noise(random)));
+      ExpectComesBack(trace);
+    }
+}
+
 TEST(FadcDataOnFile, ZeroWordsOutsideTheTraceCostNothing) {
   TFADCData empty;
-  EXPECT_EQ(ToBytes(empty).size(), kArraysAt + 2);
+  EXPECT_EQ(ToBytes(empty).size(), kArraysAt + kNArrays);
   TFADCData trace;
   for (UInt_t bin = 500; bin < 1500; ++bin)
     trace.GetRecord()->fFadcData[bin].fWord = 180 + bin % 7;
-  EXPECT_EQ(ToBytes(trace).size(), kArraysAt + 2 + 1000);
+  EXPECT_EQ(ToBytes(trace).size(), kArraysAt + kNArrays + 500);
 }
 
-TEST(FadcDataOnFile, SampleTakesAByteAndOnlyAPulseTwo) {
-  TFADCData trace = MakeTrace();
-  EXPECT_EQ(ToBytes(trace).size(), kArraysAt + 2 + 1000 + 60);
+TEST(FadcDataOnFile, WordsNearTheLevelTakeHalfAByte) {
+  for (UShort_t word : {173, 187}) {
+    TFADCData trace = MakeQuietTrace(1000, {{7, word}});
+    EXPECT_EQ(ToBytes(trace).size(), kArraysAt + kNArrays + 500);
+  }
+}
+
+TEST(FadcDataOnFile, WordsFarFromTheLevelTakeOneByteWithTheHalfThatSaysSo) {
+  for (UShort_t word : {166, 172, 188, 195}) {
+    TFADCData trace = MakeQuietTrace(1000, {{7, word}, {500, word}, {999, word}});
+    EXPECT_EQ(ToBytes(trace).size(), kArraysAt + kNArrays + 500 + 2);
+  }
+}
+
+TEST(FadcDataOnFile, WordsOfAPulseTakeAByteOrTwoMore) {
+  TFADCData low = MakeQuietTrace(1000, {{7, 165}, {8, 196}});
+  EXPECT_EQ(ToBytes(low).size(), kArraysAt + kNArrays + 500 + 1 + 2);
+  TFADCData high = MakeQuietTrace(1000, {{7, 165}, {8, 1000}, {9, 196}, {10, 0x8000 + 180}});
+  EXPECT_EQ(ToBytes(high).size(), kArraysAt + kNArrays + 500 + 2 + 4 + 3);
+}
+
+TEST(FadcDataOnFile, WordsThatLieApartTakeWholeBytes) {
+  TFADCData trace;
+  for (UInt_t bin = 0; bin < 1000; ++bin)
+    trace.GetRecord()->fFadcData[bin].fWord = 165 + bin * 89 % 125;
+  const Bytes bytes = ToBytes(trace);
+  EXPECT_EQ(bytes.size(), kArraysAt + kNArrays + 1000);
+  ExpectComesBack(trace);
 }
 
 TEST(FadcDataOnFile, AnyTraceTakesAtMostTwoBytesAWord) {
@@ -366,7 +431,7 @@ TEST(FadcDataOnFile, AnyTraceTakesAtMostTwoBytesAWord) {
   TFADCData trace;
   for (auto& word : trace.GetRecord()->fFadcData)
     word.fWord = random();
-  EXPECT_LE(ToBytes(trace).size(), kArraysAt + 2 + 2 * kN);
+  EXPECT_LE(ToBytes(trace).size(), kArraysAt + kNArrays + 2 * kN);
 }
 
 TEST(FadcDataOnFile, ReadingLeavesARecordThatWasReferredTo) {
@@ -404,21 +469,26 @@ TEST(FadcDataOnFile, ReferencedObjectComesBack) {
 
 TEST(FadcDataOnFile, FileDescribesTheWholeForm) {
   const char* const members[][2] = {{"TObject", "BASE"},
-                                    {"fPixelWord", "unsigned int"},
                                     {"fTraceInfo", "unsigned int"},
+                                    {"fVariance", "double"},
+                                    {"fTraceStartTime", "float"},
+                                    {"fFirst", "unsigned short"},
+                                    {"fNWords", "unsigned short"},
+                                    {"fNNear", "int"},
+                                    {"fFirstWideHigh", "unsigned short"},
+                                    {"fNWideHigh", "int"},
+                                    {"fNWide", "int"},
+                                    {"fNFar", "int"},
+                                    {"fPixelWord", "unsigned int"},
                                     {"fPrevThreshold", "unsigned int"},
                                     {"fActualThreshold", "unsigned int"},
                                     {"fActualRate", "unsigned int"},
                                     {"fMean", "double"},
-                                    {"fVariance", "double"},
-                                    {"fTraceStartTime", "float"},
                                     {"fBase", "unsigned short"},
-                                    {"fFirstLow", "unsigned short"},
-                                    {"fFirstHigh", "unsigned short"},
-                                    {"fNLow", "int"},
-                                    {"fNHigh", "int"},
-                                    {"fLow", "unsigned char*"},
-                                    {"fHigh", "unsigned char*"}};
+                                    {"fWideHigh", "unsigned char*"},
+                                    {"fWideLow", "unsigned char*"},
+                                    {"fFar", "unsigned char*"},
+                                    {"fNear", "unsigned char*"}};
   TFADCData trace = MakeTrace();
   TMemFile file("described.root", "RECREATE");
   file.WriteTObject(&trace, "trace");
@@ -427,7 +497,7 @@ TEST(FadcDataOnFile, FileDescribesTheWholeForm) {
   infos->SetOwner();
   auto* info = static_cast<TStreamerInfo*>(infos->FindObject("TFADCData"));
   ASSERT_NE(info, nullptr);
-  EXPECT_EQ(info->GetClassVersion(), 1);
+  EXPECT_EQ(info->GetClassVersion(), 2);
   ASSERT_EQ(info->GetElements()->GetEntriesFast(), Int_t(std::size(members)));
   for (Int_t i = 0; i < info->GetElements()->GetEntriesFast(); ++i) {
     auto* element = static_cast<TStreamerElement*>(info->GetElements()->At(i));
@@ -437,10 +507,10 @@ TEST(FadcDataOnFile, FileDescribesTheWholeForm) {
 }
 
 TEST(FadcDataOnFile, LaterVersionIsReadByItsDescription) {
-  DescribeVersion2(TFADCData::Class());
+  const Version_t later = DescribeNextVersion(TFADCData::Class());
   TFADCData trace = MakeTrace();
   Bytes bytes = ToBytes(trace);
-  Put(bytes, kVersionAt, 2, 2);
+  Put(bytes, kVersionAt, later, 2);
   TFADCData back;
   LogCapture log;
   EXPECT_EQ(FromBytes(Followed(bytes), back), Int_t(bytes.size()));
@@ -449,13 +519,13 @@ TEST(FadcDataOnFile, LaterVersionIsReadByItsDescription) {
 }
 
 TEST(FadcDataOnFile, LaterVersionWithoutSamplesIsReadByItsDescription) {
-  DescribeVersion2(TFADCData::Class());
+  const Version_t later = DescribeNextVersion(TFADCData::Class());
   TFADCData empty;
   TFADCData quiet;
   quiet.GetRecord()->fFadcData[3].fWord = 1;
   for (TFADCData* trace : {&empty, &quiet}) {
     Bytes bytes = ToBytes(*trace);
-    Put(bytes, kVersionAt, 2, 2);
+    Put(bytes, kVersionAt, later, 2);
     TFADCData back = MakeTrace();
     FromBytes(bytes, back);
     ExpectSameRecord(back, *trace);
@@ -465,8 +535,8 @@ TEST(FadcDataOnFile, LaterVersionWithoutSamplesIsReadByItsDescription) {
 TEST(FadcDataOnFile, TraceWithoutSamplesHasBaseZero) {
   TFADCData empty;
   const Bytes bytes = ToBytes(empty);
-  EXPECT_EQ(bytes[kFirstLowAt - 2], 0);
-  EXPECT_EQ(bytes[kFirstLowAt - 1], 0);
+  EXPECT_EQ(bytes[kBaseAt], 0);
+  EXPECT_EQ(bytes[kBaseAt + 1], 0);
 }
 
 /// A damaged record: what is reported, the object unchanged, and the buffer at the record's end.
@@ -487,40 +557,85 @@ void ExpectRefused(size_t offset, UInt_t value, size_t size, const std::string& 
 }
 
 TEST(FadcDataDamaged, CountBeyondTheWordsIsRefused) {
-  ExpectRefused(kNLowAt, 2001, 4, "fNLow: found 2001, expected 0 to 2000");
-  ExpectRefused(kNLowAt, 0x7fffffff, 4, "fNLow: found 2147483647, expected 0 to 2000");
-  ExpectRefused(kNHighAt, 1701, 4, "fNHigh: found 1701, expected 0 to 1700");
+  ExpectRefused(kNWordsAt, 2001, 2, "fNWords: found 2001, expected 0 to 2000");
+  ExpectRefused(kNNearAt, 501, 4, "fNNear: found 501, expected 0 or 500");
+  ExpectRefused(kNFarAt, 501, 4, "fNFar: found 501, expected 0 to 500");
+  ExpectRefused(kNWideAt, 1001, 4, "fNWide: found 1001, expected 0 to 1000");
+  ExpectRefused(kNHighAt, 61, 4, "fNWideHigh: found 61, expected 0 to 60");
 }
 
 TEST(FadcDataDamaged, NegativeCountIsRefused) {
-  ExpectRefused(kNLowAt, 0xffffffff, 4, "fNLow: found -1, expected 0 to 2000");
-  ExpectRefused(kNHighAt, 0x80000000, 4, "fNHigh: found -2147483648, expected 0 to 1700");
+  ExpectRefused(kNNearAt, 0xffffffff, 4, "fNNear: found -1, expected 0 or 500");
+  ExpectRefused(kNFarAt, 0xffffffff, 4, "fNFar: found -1, expected 0 to 500");
+  ExpectRefused(kNWideAt, 0x80000000, 4, "fNWide: found -2147483648, expected 0 to 1000");
+  ExpectRefused(kNHighAt, 0xffffffff, 4, "fNWideHigh: found -1, expected 0 to 60");
 }
 
 TEST(FadcDataDamaged, RangeBeyondTheWordsIsRefused) {
-  ExpectRefused(kFirstLowAt, 1001, 2, "fNLow: found 1000, expected 0 to 999");
-  ExpectRefused(kFirstLowAt, 65535, 2, "fNLow: found 1000, expected 0 to -63535");
-  ExpectRefused(kFirstHighAt, 1941, 2, "fNHigh: found 60, expected 0 to 59");
+  ExpectRefused(kFirstAt, 1001, 2, "fNWords: found 1000, expected 0 to 999");
+  ExpectRefused(kFirstAt, 65535, 2, "fNWords: found 1000, expected 0 to -63535");
+  ExpectRefused(kFirstHighAt, 1, 2, "fNWideHigh: found 60, expected 0 to 59");
 }
 
 TEST(FadcDataDamaged, CountBeyondTheRecordIsRefused) {
-  ExpectRefused(kNLowAt, 1500, 4, "fLow: found 1062, expected at least 1501 bytes");
-  ExpectRefused(kNHighAt, 61, 4, "fHigh: found 61, expected at least 62 bytes");
+  TFADCData trace = MakeQuietTrace(1000);
+  Bytes bytes = ToBytes(trace);
+  Put(bytes, kNWordsAt, 1002, 2);
+  Put(bytes, kNNearAt, 501, 4);
+  ExpectRefused(Followed(bytes), bytes.size(), "fNear: found 501, expected at least 502 bytes");
 }
 
 TEST(FadcDataDamaged, CountBelowTheArrayIsRefused) {
-  ExpectRefused(kNHighAt, 59, 4, "bytes at the end of record: found 1, expected 0");
+  TFADCData trace = MakeQuietTrace(1000);
+  Bytes bytes = ToBytes(trace);
+  Put(bytes, kNWordsAt, 998, 2);
+  Put(bytes, kNNearAt, 499, 4);
+  ExpectRefused(Followed(bytes), bytes.size(), "bytes at the end of record: found 1, expected 0");
 }
 
 TEST(FadcDataDamaged, MissingArrayIsRefused) {
-  ExpectRefused(kArraysAt, 0, 1, "fLow: found 0, expected 1");
-  ExpectRefused(kNHighAt, 0, 4, "fHigh: found 1, expected 0");
+  ExpectRefused(kArraysAt, 0, 1, "fWideHigh: found 0, expected 1");
+  ExpectRefused(kNHighAt, 0, 4, "fWideHigh: found 1, expected 0");
+}
+
+/// Damage to the last bytes of a record, whose arrays have the sizes that belong to the others.
+void ExpectEndRefused(TFADCData trace, size_t from_end, UInt_t value, const std::string& message) {
+  Bytes bytes = ToBytes(trace);
+  Put(bytes, bytes.size() - from_end, value, 1);
+  ExpectRefused(Followed(bytes), bytes.size(), message);
+}
+
+TEST(FadcDataDamaged, NearWordWithoutItsFarHalfIsRefused) {
+  ExpectEndRefused(MakeQuietTrace(1000), 1, 0xff, "fNFar: found 0, expected 1");
+  ExpectEndRefused(MakeQuietTrace(1000), 500, 0xf7, "fNFar: found 0, expected 1");
+  ExpectEndRefused(MakeQuietTrace(1000, {{999, 190}}), 1, 0x77, "fNFar: found 1, expected 0");
+}
+
+TEST(FadcDataDamaged, FarWordWithoutItsBytesIsRefused) {
+  // The far byte stands before the array of 500 near bytes and the byte that tells of it.
+  ExpectEndRefused(MakeQuietTrace(1000, {{999, 190}}), 502, 0x0f, "fNWide: found 0, expected 1");
+  ExpectEndRefused(MakeQuietTrace(1000, {{999, 1900}}), 502, 0x0e, "fNWide: found 1, expected 0");
+}
+
+TEST(FadcDataDamaged, HalfByteBehindTheLastWordIsRefused) {
+  ExpectEndRefused(MakeQuietTrace(999), 1, 0xf7, "fNear: found 247, expected 0 to 15");
+  ExpectEndRefused(MakeQuietTrace(1000, {{999, 190}}), 502, 0xf9, "fFar: found 249, expected 0 to 15");
+}
+
+TEST(FadcDataDamaged, WideWordsAloneAreAsManyAsTheWords) {
+  TFADCData trace = MakeQuietTrace(2);
+  Bytes bytes = ToBytes(trace);
+  Put(bytes, kNNearAt, 0, 4);
+  bytes.pop_back();
+  bytes.back() = 0;
+  Put(bytes, 0, 0x40000000 | (bytes.size() - 4), 4);
+  ExpectRefused(Followed(bytes), bytes.size(), "fNWide: found 0, expected 2");
 }
 
 TEST(FadcDataDamaged, VersionWithoutADescriptionIsRefused) {
   for (UInt_t version : {0u, 7u, 0x3fffu})
     ExpectRefused(kVersionAt, version, 2,
-                  "version: found " + std::to_string(version) + ", expected 1 to 1, or one that the file describes");
+                  "version: found " + std::to_string(version) + ", expected 1 to 2, or one that the file describes");
 }
 
 TEST(FadcDataDamaged, ByteCountThatTheBufferLacksIsRefused) {
@@ -605,31 +720,138 @@ TEST(FadcDataDamaged, AnyDamagedByteLeavesTheBufferInside) {
 }
 
 TEST(FadcDataDamaged, LaterVersionIsCheckedToo) {
-  DescribeVersion2(TFADCData::Class());
+  const Version_t later = DescribeNextVersion(TFADCData::Class());
   TFADCData trace = MakeTrace();
   Bytes bytes = ToBytes(trace);
-  Put(bytes, kVersionAt, 2, 2);
+  Put(bytes, kVersionAt, later, 2);
   const size_t end = bytes.size();
-  Put(bytes, kFirstLowAt, 1001, 2);
-  ExpectRefused(Followed(bytes), end, "fNLow: found 1000, expected 0 to 999");
-  Put(bytes, kFirstLowAt, 0, 2);
-  Put(bytes, kFirstHighAt, 1941, 2);
-  ExpectRefused(Followed(bytes), end, "fNHigh: found 60, expected 0 to 59");
+  Put(bytes, kFirstAt, 1001, 2);
+  ExpectRefused(Followed(bytes), end, "fNWords: found 1000, expected 0 to 999");
+  Put(bytes, kFirstAt, 0, 2);
+  Put(bytes, kFirstHighAt, 1, 2);
+  ExpectRefused(Followed(bytes), end, "fNWideHigh: found 60, expected 0 to 59");
+  Put(bytes, kFirstHighAt, 0, 2);
+  Put(bytes, end - 1, 0xff, 1);
+  ExpectRefused(Followed(bytes), end,
+                "fNFar: found " + std::to_string(UChar_t(bytes[kNFarAt + 3])) + ", expected " +
+                    std::to_string(UChar_t(bytes[kNFarAt + 3]) + 1));
 }
 
 TEST(FadcDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
-  DescribeVersion2(TFADCData::Class());
-  TFADCData empty;
-  Bytes bytes = ToBytes(empty);
-  Put(bytes, kVersionAt, 2, 2);
-  Put(bytes, kNLowAt, 10, 4);
-  ExpectRefused(Followed(bytes), bytes.size(), "fLow: found 0, expected 1");
+  const Version_t later = DescribeNextVersion(TFADCData::Class());
+  TFADCData trace = MakeQuietTrace(10);
+  Bytes bytes = ToBytes(trace);
+  Put(bytes, kVersionAt, later, 2);
+  Put(bytes, kArraysAt + kNArrays - 1, 0, 1);
+  ExpectRefused(Followed(bytes), bytes.size(), "fNear: found 0, expected 1");
 
-  TFADCData trace = MakeTrace();
+  trace = MakeTrace();
   bytes = ToBytes(trace);
-  Put(bytes, kVersionAt, 2, 2);
-  Put(bytes, kArraysAt + 1 + 1000, 0, 1);
-  ExpectRefused(Followed(bytes), bytes.size(), "fHigh: found 0, expected 1");
+  Put(bytes, kVersionAt, later, 2);
+  Put(bytes, kArraysAt, 0, 1);
+  ExpectRefused(Followed(bytes), bytes.size(), "fWideHigh: found 0, expected 1");
+}
+
+/// A record of class version 1, of the words from `first_low` on.
+class Version1Record {
+ public:
+  Version1Record(const TFADCData& trace, UInt_t first_low, const std::vector<int>& low, UInt_t first_high,
+                 const std::vector<int>& high) {
+    const Record& record = *trace.GetRecord();
+    TBufferFile b(TBuffer::kWrite);
+    b << UInt_t(0) << Version_t(1) << Version_t(1) << UInt_t(0) << UInt_t(0x02000000);
+    b << UInt_t(record.fPixelNumber.fPixelNumber) << record.fTraceInfo.fWord << record.fMonitor.fPrevThreshold
+      << record.fMonitor.fActualThreshold << record.fMonitor.fActualRate << record.fMonitor.fMean
+      << record.fMonitor.fVariance << record.fTraceStartTime;
+    b << kBase << UShort_t(first_low) << UShort_t(first_high) << Int_t(low.size()) << Int_t(high.size());
+    AddArray(b, low);
+    AddArray(b, high);
+    fBytes.assign(b.Buffer(), b.Buffer() + b.Length());
+    Put(fBytes, 0, 0x40000000 | (fBytes.size() - 4), 4);
+  }
+  const Bytes& GetBytes() const { return fBytes; }
+
+  static constexpr UShort_t kBase = 100;
+  static constexpr size_t kFirstLowAt = 58;
+  static constexpr size_t kFirstHighAt = 60;
+  static constexpr size_t kNLowAt = 62;
+  static constexpr size_t kNHighAt = 66;
+  static constexpr size_t kArraysAt = 70;
+
+ private:
+  static void AddArray(TBufferFile& b, const std::vector<int>& bytes) {
+    b << UChar_t(!bytes.empty());
+    for (int byte : bytes)
+      b << UChar_t(byte);
+  }
+  Bytes fBytes;
+};
+
+TEST(FadcDataVersion1, ComesBack) {
+  TFADCData trace = MakeTrace();
+  TFADCData back;
+  LogCapture log;
+  const Bytes bytes = Version1Record(trace, 10, {1, 2, 3, 200}, 11, {4, 250}).GetBytes();
+  EXPECT_EQ(FromBytes(Followed(bytes), back), Int_t(bytes.size()));
+  EXPECT_EQ(log.Take(), "");
+  std::memset(static_cast<void*>(trace.GetRecord()->fFadcData), 0, 2 * kN);
+  trace.GetRecord()->fFadcData[10].fWord = 101;
+  trace.GetRecord()->fFadcData[11].fWord = 102 + 4 * 256;
+  trace.GetRecord()->fFadcData[12].fWord = 103 + 250 * 256;
+  trace.GetRecord()->fFadcData[13].fWord = 300;
+  ExpectSameRecord(back, trace);
+}
+
+TEST(FadcDataVersion1, WithoutWordsComesBack) {
+  TFADCData back = MakeTrace();
+  FromBytes(Version1Record(TFADCData(), 0, {}, 0, {}).GetBytes(), back);
+  ExpectSameRecord(back, TFADCData());
+}
+
+TEST(FadcDataVersion1, LeavesARecordThatWasReferredTo) {
+  Record record = Record();
+  TFADCData back(&record);
+  FromBytes(Version1Record(MakeTrace(), 0, {}, 0, {}).GetBytes(), back);
+  EXPECT_EQ(record.fPixelNumber.fPixelNumber, 0);
+  EXPECT_EQ(back.GetPixelNumber()->fPixelNumber, 0x35a7);
+}
+
+void ExpectVersion1Refused(size_t offset, UInt_t value, size_t size, const std::string& message) {
+  Bytes bytes = Version1Record(MakeTrace(), 10, std::vector<int>(50, 7), 20, std::vector<int>(5, 1)).GetBytes();
+  const size_t end = bytes.size();
+  Put(bytes, offset, value, size);
+  ExpectRefused(Followed(bytes), end, message);
+}
+
+TEST(FadcDataVersion1, CountThatDoesNotFitIsRefused) {
+  typedef Version1Record V1;
+  ExpectVersion1Refused(V1::kNLowAt, 1991, 4, "fNLow: found 1991, expected 0 to 1990");
+  ExpectVersion1Refused(V1::kNLowAt, 0xffffffff, 4, "fNLow: found -1, expected 0 to 1990");
+  ExpectVersion1Refused(V1::kNHighAt, 1981, 4, "fNHigh: found 1981, expected 0 to 1980");
+  ExpectVersion1Refused(V1::kNHighAt, 0x80000000, 4, "fNHigh: found -2147483648, expected 0 to 1980");
+  ExpectVersion1Refused(V1::kFirstLowAt, 1951, 2, "fNLow: found 50, expected 0 to 49");
+  ExpectVersion1Refused(V1::kFirstHighAt, 1996, 2, "fNHigh: found 5, expected 0 to 4");
+}
+
+TEST(FadcDataVersion1, ArrayOfAnotherSizeIsRefused) {
+  typedef Version1Record V1;
+  ExpectVersion1Refused(V1::kNLowAt, 1500, 4, "fLow: found 57, expected at least 1501 bytes");
+  ExpectVersion1Refused(V1::kNHighAt, 6, 4, "fHigh: found 6, expected at least 7 bytes");
+  ExpectVersion1Refused(V1::kNHighAt, 4, 4, "bytes at the end of record: found 1, expected 0");
+  ExpectVersion1Refused(V1::kArraysAt, 0, 1, "fLow: found 0, expected 1");
+  ExpectVersion1Refused(V1::kNHighAt, 0, 4, "fHigh: found 1, expected 0");
+}
+
+TEST(FadcDataVersion1, RecordCutAnywhereIsRefused) {
+  const Bytes whole = Version1Record(MakeTrace(), 10, {1, 2, 3}, 11, {4, 5}).GetBytes();
+  for (size_t size = 0; size < whole.size(); ++size)
+    for (const Bytes& bytes : {Bytes(whole.begin(), whole.begin() + size), Shortened(whole, size)}) {
+      TFADCData back;
+      LogCapture log;
+      EXPECT_EQ(FromBytes(bytes, back), Int_t(size));
+      EXPECT_NE(log.Take(), "");
+      ExpectSameRecord(back, TFADCData());
+    }
 }
 
 }  // namespace

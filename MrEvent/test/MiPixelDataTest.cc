@@ -357,7 +357,7 @@ TEST(MiPixelDataOnFile, FileDescribesTheWholeForm) {
 }
 
 TEST(MiPixelDataOnFile, LaterVersionIsReadByItsDescription) {
-  DescribeVersion2(TMirrorPixelData::Class());
+  DescribeNextVersion(TMirrorPixelData::Class());
   TMirrorPixelData data = MakeData();
   Bytes bytes = ToBytes(data);
   Put(bytes, kVersionAt, 2, 2);
@@ -409,13 +409,13 @@ TEST(MiPixelDataDamaged, VersionWithoutADescriptionIsRefused) {
 }
 
 TEST(MiPixelDataDamaged, LaterVersionIsCheckedToo) {
-  DescribeVersion2(TMirrorPixelData::Class());
+  DescribeNextVersion(TMirrorPixelData::Class());
   ExpectRefused(kNTriggerWordsAt, 11, 4, "fNTriggerWords: found 11, expected 12", 2);
   ExpectRefused(kPixelNoAt, 500, 2, "fPixelNo: found 500, expected 1 to 480", 2);
 }
 
 TEST(MiPixelDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
-  DescribeVersion2(TMirrorPixelData::Class());
+  DescribeNextVersion(TMirrorPixelData::Class());
   TMirrorPixelData data;
   Bytes bytes = ToBytes(data);
   Put(bytes, kVersionAt, 2, 2);
@@ -427,7 +427,7 @@ TEST(MiPixelDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
 }
 
 TEST(MiPixelDataDamaged, LaterVersionWithoutItsWordsIsRefused) {
-  DescribeVersion2(TMirrorPixelData::Class());
+  DescribeNextVersion(TMirrorPixelData::Class());
   ExpectRefused(kPixelNoAt + 3 * 2, 0, 1, "fTriggerWord: found 0, expected 1", 2);
 }
 

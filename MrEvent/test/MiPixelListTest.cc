@@ -153,7 +153,7 @@ constexpr size_t kVersionAt = 4;
 constexpr size_t kNPixelsAt = 16;
 
 TEST(MiPixelListOnFile, LaterVersionIsReadByItsDescription) {
-  DescribeVersion2(TMirrorPixelList::Class());
+  DescribeNextVersion(TMirrorPixelList::Class());
   for (UInt_t n : {0u, 1u, 33u}) {
     TMirrorPixelList list = MakeList(n);
     Bytes bytes = ToBytes(list);
@@ -188,13 +188,13 @@ TEST(MiPixelListDamaged, CountBelowTheArrayIsRefused) {
 }
 
 TEST(MiPixelListDamaged, LaterVersionIsCheckedToo) {
-  DescribeVersion2(TMirrorPixelList::Class());
+  DescribeNextVersion(TMirrorPixelList::Class());
   ExpectRefused(11, "fNPixels: found 11, expected at most 10", 2);
   ExpectRefused(0xfffffff0, "fNPixels: found 4294967280, expected at most 10", 2);
 }
 
 TEST(MiPixelListDamaged, LaterVersionWithoutItsArrayIsRefused) {
-  DescribeVersion2(TMirrorPixelList::Class());
+  DescribeNextVersion(TMirrorPixelList::Class());
   TMirrorPixelList list;
   Bytes bytes = ToBytes(list);
   Put(bytes, kVersionAt, 2, 2);

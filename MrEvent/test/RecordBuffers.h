@@ -76,14 +76,16 @@ inline Bytes Shortened(const Bytes& bytes, size_t size) {
   return first;
 }
 
-/// Gives the class a second version, described as its own version is, for records of a later time.
-inline void DescribeVersion2(TClass* cl) {
-  if (cl->GetStreamerInfos()->GetSize() > 2 && cl->GetStreamerInfos()->At(2)) return;
+/// Gives the class a further version, described as its own version is, for records of a later time. Answers its number.
+inline Version_t DescribeNextVersion(TClass* cl) {
+  const Version_t next = cl->GetClassVersion() + 1;
+  if (cl->GetStreamerInfos()->GetSize() > next && cl->GetStreamerInfos()->At(next)) return next;
   auto* info = static_cast<TStreamerInfo*>(cl->GetStreamerInfo()->Clone());
-  info->SetClassVersion(2);
+  info->SetClassVersion(next);
   info->SetClass(cl);
   info->BuildOld();
-  const_cast<TObjArray*>(cl->GetStreamerInfos())->AddAtAndExpand(info, 2);
+  const_cast<TObjArray*>(cl->GetStreamerInfos())->AddAtAndExpand(info, next);
+  return next;
 }
 
 /// Writes an object to a file in memory and reads it back; empty when it does not come back.

@@ -354,7 +354,7 @@ TEST(ChecksumTest, LayoutsChangeOnlyWithTheVersion) {
       {"TMirrorEventHeader", 1, 0xf874f115},
       {"TMirrorPixelData", 1, 0x9122fbd3},
       {"TMirrorPixelList", 1, 0xd0d05c1e},
-      {"TFADCData", 1, 0xd356194a},
+      {"TFADCData", 2, 0x8f2b4118},
       {"TMirrorFADCData", 1, 0x4ff9134f},
       {"TMirrorEvent", 1, 0x4f335125},
       {"TMirrorRunTrailer", 1, 0x84ba432a},

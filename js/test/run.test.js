@@ -20,9 +20,12 @@ async function damaged(name, change) {
   return file;
 }
 
-test('a run has the values that the library gives', async () => {
-  assert.deepEqual(await values(await open(golden)), libraryValues(await readFile(path('golden/run.json'), 'utf8')));
-});
+for (const name of ['run', 'run-trace-1']) {
+  test(`${name} has the values that the library gives`, async () => {
+    const run = await open(path(`golden/${name}.root`));
+    assert.deepEqual(await values(run), libraryValues(await readFile(path('golden/run.json'), 'utf8')));
+  });
+}
 
 test('a run can be read from bytes in memory', async () => {
   const { buffer, byteOffset, byteLength } = await readFile(golden);
@@ -86,3 +89,23 @@ test('a trace with impossible counts is refused', () => {
   const trace = { _typename: 'TFADCData', fBase: 0, fFirstLow: 10, fFirstHigh: 0, fNLow: 1991, fNHigh: 0, fLow: [], fHigh: [] };
   assert.throws(() => decodeWords(trace), { name: 'RangeError', message: 'TFADCData: fNLow: found 1991, expected 0 to 1990' });
 });
+
+const kQuiet = { _typename: 'TFADCData', fBase: 116, fFirst: 10, fNWords: 3, fFirstWideHigh: 1, fNNear: 2, fNFar: 1,
+                 fNWide: 0, fNWideHigh: 0, fNear: [0xf7, 0x07], fFar: [0x06] };
+
+test('a trace has near, far and wide words', () => {
+  assert.deepEqual([...decodeWords(kQuiet).subarray(9, 14)], [0, 180, 172, 180, 0]);
+  const above = { ...kQuiet, fFar: [0x07] };
+  assert.deepEqual([...decodeWords(above).subarray(9, 14)], [0, 180, 188, 180, 0]);
+  const wide = { ...kQuiet, fNear: [0xff, 0x07], fFar: [0xff], fNWide: 2, fWideLow: [0, 200], fNWideHigh: 1, fWideHigh: [3] };
+  assert.deepEqual([...decodeWords(wide).subarray(9, 14)], [0, 116, 116 + 200 + 3 * 256, 180, 0]);
+  const bytes = { ...kQuiet, fNNear: 0, fNFar: 0, fNWide: 3, fWideLow: [1, 2, 3] };
+  assert.deepEqual([...decodeWords(bytes).subarray(9, 14)], [0, 117, 118, 119, 0]);
+});
+
+for (const [member, found, expected] of [['fNWords', 1991, '0 to 1990'], ['fNNear', 3, '2'], ['fNFar', 0, '1'], ['fNWide', 1, '0']]) {
+  test(`a trace with another ${member} is refused`, () => {
+    assert.throws(() => decodeWords({ ...kQuiet, [member]: found }),
+                  { name: 'RangeError', message: `TFADCData: ${member}: found ${found}, expected ${expected}` });
+  });
+}

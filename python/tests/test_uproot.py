@@ -18,7 +18,7 @@ from stnevent.records import HEADER
 
 OLD = SOURCE / "test" / "old" / "golden"
 UNREADABLE = OLD / "header-5-long.root"
-FILES = [GOLDEN / "run.root", *sorted(set(OLD.glob("*.root")) - {UNREADABLE})]
+FILES = [*sorted(GOLDEN.glob("*.root")), *sorted(set(OLD.glob("*.root")) - {UNREADABLE})]
 
 
 @pytest.fixture(params=FILES, ids=lambda path: path.stem)
@@ -178,7 +178,9 @@ def test_damaged_traces_are_told():
 
     first = TRACE_FRAME  # of the first trace of an event
     size = 16 + len(b"TFADCData\0")
-    n_low = size + 46  # behind byte count, version, TObject and what precedes fNLow
+    n_words = size + 18  # behind byte count, version, TObject and what precedes fNWords
+    n_near, n_far = n_words + 2, n_words + 16
+    n_wide = n_far - 4
 
     def with_bytes(offset, new):
         entries = entries_of("fFADCData")
@@ -188,8 +190,10 @@ def test_damaged_traces_are_told():
         return entries
 
     assert decode(with_bytes(0, b"TFADCDatx\0")) == (1, "class: found b'TFADCDatx\\x00', expected TFADCData")
-    assert decode(with_bytes(n_low, b"\x00\x00\x13\x88")) == (1, "fNLow: found 5000, expected 2000")
-    assert decode(with_bytes(n_low, b"\xff\xff\xff\xff")) == (1, "fNLow: found -1, expected 2000")
+    assert decode(with_bytes(n_words, b"\x13\x88")) == (1, "fNWords: found 5000, expected 2000")
+    assert decode(with_bytes(n_near, b"\xff\xff\xff\xff")) == (1, "fNNear: found -1, expected 500")
+    assert decode(with_bytes(n_far, b"\xff\xff\xff\xff")) == (1, "fNFar: found -1, expected 500")
+    assert decode(with_bytes(n_wide, b"\x00\x00\x03\xe9")) == (1, "fNWide: found 1001, expected 1000")
     index, reason = decode(with_bytes(10, b"\x40\x7f\xff\xff"))
     assert index == 1 and reason.startswith("byte count: found 8388607, expected ")
 

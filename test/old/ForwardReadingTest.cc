@@ -148,4 +148,11 @@ TEST_F(ForwardReadingTest, AnOlderEventLacksTheGeometry) {
   ExpectTheRest(seen);
 }
 
+/// The one case in which ROOT speaks: the lengths of today's arrays are no members of a trace of version 1.
+TEST_F(ForwardReadingTest, AnOlderTraceLacksTheWordsAndCostsNothingElse) {
+  const Seen seen = Read("read-with-older-traces");
+  EXPECT_THAT(seen.at(""), testing::HasSubstr("should not be skipped from class TFADCData"));
+  ExpectTheRest(seen);
+}
+
 }  // namespace

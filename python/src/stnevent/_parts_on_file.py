@@ -32,23 +32,65 @@ _LIST_MEMBERS: dict[int, tuple[str, ...]] = {
     4: ("fStnNo", "fNPixels", "fPixelVectorSize"),
 }
 
-_TRACE = np.dtype(
+# Members of a trace before its arrays, by class version.
+_TRACES = {
+    1: np.dtype(
+        [
+            ("fPixelWord", ">u4"),
+            ("fTraceInfo", ">u4"),
+            ("fPrevThreshold", ">u4"),
+            ("fActualThreshold", ">u4"),
+            ("fActualRate", ">u4"),
+            ("fMean", ">f8"),
+            ("fVariance", ">f8"),
+            ("fTraceStartTime", ">f4"),
+            ("fBase", ">u2"),
+            ("fFirstLow", ">u2"),
+            ("fFirstHigh", ">u2"),
+            ("fNLow", ">i4"),
+            ("fNHigh", ">i4"),
+        ]
+    ),
+    2: np.dtype(
+        [
+            ("fTraceInfo", ">u4"),
+            ("fVariance", ">f8"),
+            ("fTraceStartTime", ">f4"),
+            ("fFirst", ">u2"),
+            ("fNWords", ">u2"),
+            ("fNNear", ">i4"),
+            ("fFirstWideHigh", ">u2"),
+            ("fNWideHigh", ">i4"),
+            ("fNWide", ">i4"),
+            ("fNFar", ">i4"),
+            ("fPixelWord", ">u4"),
+            ("fPrevThreshold", ">u4"),
+            ("fActualThreshold", ">u4"),
+            ("fActualRate", ">u4"),
+            ("fMean", ">f8"),
+            ("fBase", ">u2"),
+        ]
+    ),
+}
+# The values of a trace that all versions have.
+_VALUES = np.dtype(
     [
-        ("fPixelWord", ">u4"),
-        ("fTraceInfo", ">u4"),
-        ("fPrevThreshold", ">u4"),
-        ("fActualThreshold", ">u4"),
-        ("fActualRate", ">u4"),
-        ("fMean", ">f8"),
-        ("fVariance", ">f8"),
-        ("fTraceStartTime", ">f4"),
-        ("fBase", ">u2"),
-        ("fFirstLow", ">u2"),
-        ("fFirstHigh", ">u2"),
-        ("fNLow", ">i4"),
-        ("fNHigh", ">i4"),
+        ("fPixelWord", "u4"),
+        ("fTraceInfo", "u4"),
+        ("fPrevThreshold", "u4"),
+        ("fActualThreshold", "u4"),
+        ("fActualRate", "u4"),
+        ("fMean", "f8"),
+        ("fVariance", "f8"),
+        ("fTraceStartTime", "f4"),
     ]
 )
+# Arrays of a trace with their counts, by class version and in their order on file.
+_TRACE_ARRAYS = {1: ("fNLow", "fNHigh"), 2: ("fNWideHigh", "fNWide", "fNFar", "fNNear")}
+# Of class version 2: a half byte that sends on to the next array, and the differences that half bytes stand for.
+_NEXT = 15
+_NEAR = np.arange(57, 73, dtype=np.uint16)
+_FAR = np.array([*range(50, 57), *range(72, 81)], np.uint16)
 # Before each counted array there is a byte.
 _FLAG_SIZE = 1
 # Bins that the whole digitised time has, by resolution.
@@ -180,10 +222,17 @@ def decode_traces(entries: Entries) -> ak.contents.Content:
     for index, start, stop in zip(containers.indices, containers.starts, containers.stops):
         _add_traces(places, raw, int(start), int(stop), int(index))
     traces = places.objects(entries.data)
-    members = traces.first_members(_TRACE)
-    _check_trace_counts(traces, members)
-    columns = _trace_columns(members)
-    counts, words = _trace_words(raw, traces, members)
+    require(np.isin(traces.versions, list(_TRACES)), traces.indices, "version of a trace", traces.versions, "1 or 2")
+    values = np.zeros(len(traces), _VALUES)
+    members = {}
+    for version in np.unique(traces.versions).tolist():
+        chosen = np.flatnonzero(traces.versions == version)
+        members[version] = traces[chosen].first_members(_TRACES[version])
+        _check_trace_counts(traces[chosen], members[version], version)
+        for name in _VALUES.names or ():
+            values[name][chosen] = members[version][name]
+    columns = _trace_columns(values)
+    counts, words = _trace_words(raw, traces, values, members)
     columns["samples"] = _lists(counts, ak.contents.NumpyArray((words & 0xFFF).view(np.int16)))
     columns["pixel_trigger"] = _lists(counts, ak.contents.NumpyArray((words & 0x8000) != 0))
     columns["threshold_changed"] = _lists(counts, ak.contents.NumpyArray((words & 0x4000) != 0))
@@ -205,14 +254,32 @@ def _add_traces(places: _Places, raw: bytes, start: int, stop: int, index: int) 
     places.add(raw, slots, stop, n_slots, b"TFADCData", index)
 
 
-def _check_trace_counts(traces: Objects, members: NDArray[Any]) -> None:
-    for first, count in (("fFirstLow", "fNLow"), ("fFirstHigh", "fNHigh")):
-        limit = _N_WORDS - members[first].astype(np.int64)
-        found = members[count].astype(np.int64)
-        require((found >= 0) & (found <= limit), traces.indices, count, found, limit)
-    size = _TRACE.itemsize + 2 * _FLAG_SIZE + members["fNLow"].astype(np.int64) + members["fNHigh"]
+def _check_trace_counts(traces: Objects, members: NDArray[Any], version: int) -> None:
+    check = {1: _check_bytes, 2: _check_halves}
+    check[version](traces, members)
+    counts = _TRACE_ARRAYS[version]
+    size = members.dtype.itemsize + len(counts) * _FLAG_SIZE + sum(members[name].astype(np.int64) for name in counts)
     require(traces.sizes == size, traces.indices, "bytes of a trace", traces.sizes, size)
-    require(traces.versions == 1, traces.indices, "version of a trace", traces.versions, 1)
+
+
+def _check_count(traces: Objects, members: NDArray[Any], name: str, limit: NDArray[np.int64]) -> None:
+    found = members[name].astype(np.int64)
+    require((found >= 0) & (found <= limit), traces.indices, name, found, limit)
+
+
+def _check_bytes(traces: Objects, members: NDArray[Any]) -> None:
+    for first, count in (("fFirstLow", "fNLow"), ("fFirstHigh", "fNHigh")):
+        _check_count(traces, members, count, _N_WORDS - members[first].astype(np.int64))
+
+
+def _check_halves(traces: Objects, members: NDArray[Any]) -> None:
+    n_words, n_wide = members["fNWords"].astype(np.int64), members["fNWide"].astype(np.int64)
+    _check_count(traces, members, "fNWords", _N_WORDS - members["fFirst"].astype(np.int64))
+    n_pairs, n_near = (n_words + 1) // 2, members["fNNear"].astype(np.int64)
+    require((n_near == 0) | (n_near == n_pairs), traces.indices, "fNNear", n_near, n_pairs)
+    _check_count(traces, members, "fNFar", n_pairs)
+    _check_count(traces, members, "fNWide", n_words)
+    _check_count(traces, members, "fNWideHigh", n_wide - members["fFirstWideHigh"])
 
 
 def _trace_columns(members: NDArray[Any]) -> dict[str, ak.contents.Content]:
@@ -240,26 +307,77 @@ def _trace_columns(members: NDArray[Any]) -> dict[str, ak.contents.Content]:
     return integers | {name: ak.contents.NumpyArray(values) for name, values in native.items()}
 
 
-def _trace_words(raw: bytes, traces: Objects, members: NDArray[Any]) -> tuple[NDArray[np.int64], NDArray[np.uint16]]:
+def _trace_words(
+    raw: bytes, traces: Objects, values: NDArray[Any], members: dict[int, NDArray[Any]]
+) -> tuple[NDArray[np.int64], NDArray[np.uint16]]:
     """How many bins each trace has, and the words of all."""
-    info = members["fTraceInfo"].astype(np.int64)
+    info = values["fTraceInfo"].astype(np.int64)
     firsts = info & 0xFFF
     counts = np.maximum((info >> 12 & 0xFFF) + 1 - firsts, 0)
     ends = np.cumsum(counts)
     words = np.zeros(int(ends[-1]) if len(ends) else 0, np.uint16)
-    names = ("fBase", "fFirstLow", "fNLow", "fFirstHigh", "fNHigh")
-    columns = [(traces.starts + _TRACE.itemsize).tolist(), firsts.tolist(), counts.tolist(), (ends - counts).tolist()]
-    columns += [members[name].tolist() for name in names]
     trace = np.zeros(_N_WORDS, np.uint16)
-    for place, first, count, begin, base, first_low, n_low, first_high, n_high in zip(*columns):
-        trace[:] = 0
-        low = np.frombuffer(raw, np.uint8, n_low, place + _FLAG_SIZE)
-        high = np.frombuffer(raw, np.uint8, n_high, place + 2 * _FLAG_SIZE + n_low)
-        np.add(low, np.uint16(base), out=trace[first_low : first_low + n_low])
-        trace[first_high : first_high + n_high] += high.astype(np.uint16) << 8
-        part = trace[first : first + count]
-        words[begin : begin + len(part)] = part
+    fill = {1: _fill_from_bytes, 2: _fill_from_halves}
+    for version, of_version in members.items():
+        chosen = np.flatnonzero(traces.versions == version)
+        columns = [values[chosen].tolist() for values in (traces.indices, traces.starts, firsts, counts, ends - counts)]
+        names = of_version.dtype.names or ()
+        for member, (index, start, first, count, begin) in zip(of_version.tolist(), zip(*columns)):
+            trace[:] = 0
+            of_trace = dict(zip(names, member))
+            place = start + of_version.dtype.itemsize
+            fill[version](_trace_arrays(raw, place, of_trace, version), of_trace, trace, index)
+            part = trace[first : first + count]
+            words[begin : begin + len(part)] = part
     return counts, words
+
+
+def _trace_arrays(raw: bytes, place: int, members: dict[str, Any], version: int) -> dict[str, NDArray[np.uint8]]:
+    """The arrays of one trace, by their counts."""
+    arrays = {}
+    for name in _TRACE_ARRAYS[version]:
+        arrays[name] = np.frombuffer(raw, np.uint8, members[name], place + _FLAG_SIZE)
+        place += _FLAG_SIZE + members[name]
+    return arrays
+
+
+def _fill_from_bytes(
+    arrays: dict[str, NDArray[np.uint8]], members: dict[str, Any], trace: NDArray[np.uint16], _: int
+) -> None:
+    low, high = arrays["fNLow"], arrays["fNHigh"]
+    first_low, first_high = members["fFirstLow"], members["fFirstHigh"]
+    np.add(low, np.uint16(members["fBase"]), out=trace[first_low : first_low + len(low)])
+    trace[first_high : first_high + len(high)] += high.astype(np.uint16) << 8
+
+
+def _fill_from_halves(
+    arrays: dict[str, NDArray[np.uint8]], members: dict[str, Any], trace: NDArray[np.uint16], index: int
+) -> None:
+    n_words = members["fNWords"]
+    near = _halves(arrays["fNNear"])[:n_words] if members["fNNear"] else np.full(n_words, _NEXT, np.uint8)
+    difference = _NEAR[near]
+    others = np.flatnonzero(near == _NEXT)
+    if members["fNNear"]:
+        _require_count(index, members, "fNFar", (len(others) + 1) // 2)
+        far = _halves(arrays["fNFar"])[: len(others)]
+        difference[others] = _FAR[far]
+        others = others[far == _NEXT]
+    _require_count(index, members, "fNWide", len(others))
+    wide = arrays["fNWide"].astype(np.uint16)
+    first = members["fFirstWideHigh"]
+    wide[first : first + members["fNWideHigh"]] += arrays["fNWideHigh"].astype(np.uint16) << 8
+    difference[others] = wide
+    np.add(difference, np.uint16(members["fBase"]), out=trace[members["fFirst"] : members["fFirst"] + n_words])
+
+
+def _halves(values: NDArray[np.uint8]) -> NDArray[np.uint8]:
+    """Half bytes, the first in the low bits of the first byte."""
+    return np.stack([values & 15, values >> 4], axis=1).reshape(-1)
+
+
+def _require_count(index: int, members: dict[str, Any], name: str, expected: int) -> None:
+    if members[name] != expected:
+        raise Damage(index, f"{name}: found {members[name]}, expected {expected}")
 
 
 # ---- Trigger bits
