@@ -29,7 +29,7 @@ inline bool IsConsistent(const TStnPixelList& list) {
 inline void Use(const TStnPixelList& list) {
   TStnPixelList copy(list);
   _VdPixelNumber pixel;
-  for (UInt_t n = 1; n <= VdUtil::Vd::kSTN_NEXTPIXELS; ++n) {
+  for (UInt_t n = 1; n <= VdUtil::Vd::kSTN_NEXTPIXELS; n += 31) {
     VdUtil::Vd::SetPixelNo(&pixel, n);
     copy.TestPixel(&pixel);
   }
