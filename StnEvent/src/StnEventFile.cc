@@ -1,6 +1,7 @@
 #include <StnEvent/StnEventFile.h>
 
 #include <StnEvent/StnBasketKey.h>
+#include <StnEvent/StnEntryCheck.h>
 #include <StnEvent/StnEvent.h>
 #include <StnEvent/StnRunHeader.h>
 #include <StnEvent/StnRunTrailer.h>
@@ -337,15 +338,23 @@ Bool_t TStnEventFile::ReadEvent(TStnEvent** event) {
 Bool_t TStnEventFile::IsBasketSound(TBranch& branch, const char* reader) {
   StnBasketKey key(branch, fCurrentEntry, GetFd());
   const std::string damage = key.FindDamage();
-  if (damage.empty()) return kTRUE;
+  if (damage.empty()) return IsEntryWhole(branch, reader);
   VD_ERROR << "TStnEventFile::" << reader << "() - file '" << GetName() << "', entry " << fCurrentEntry
            << ": basket of '" << branch.GetName() << "' at byte " << key.GetPlace() << " is damaged, " << damage
            << ", not read" << std::endl;
   return kFALSE;
 }
 
+Bool_t TStnEventFile::IsEntryWhole(TBranch& branch, const char* reader) {
+  if (IsEntrySound(branch, fCurrentEntry)) return kTRUE;
+  VD_ERROR << "TStnEventFile::" << reader << "() - file '" << GetName() << "', entry " << fCurrentEntry << ": '"
+           << branch.GetName() << "' is damaged, not read" << std::endl;
+  return kFALSE;
+}
+
 void TStnEventFile::ReadWholeEvent() {
   std::vector<TBranch*> left_out;
+  fTree->LoadTree(fCurrentEntry);
   for (TObject* object : *fBranch->GetListOfBranches()) {
     auto* branch = static_cast<TBranch*>(object);
     if (branch->TestBit(kDoNotProcess) || IsBasketSound(*branch, "ReadEvent")) continue;

@@ -130,6 +130,7 @@ class TStnEventFile : public TFile {
   Bool_t WriteRecord(const TObject* record, const char* name);
   void EnterDirectory();
   Bool_t IsBasketSound(TBranch& branch, const char* reader);
+  Bool_t IsEntryWhole(TBranch& branch, const char* reader);
   void ReadWholeEvent();
   Int_t ReadPartialEvent();
 

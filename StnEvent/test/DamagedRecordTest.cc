@@ -15,10 +15,9 @@
 
 namespace {
 
-/// An event whose record has each part: two mirrors, T3, trigger and geometry data.
+/// An event whose record has each part: a mirror with three traces, T3, trigger and geometry data.
 void Fill(TStnEvent& event) {
-  for (UInt_t mirror : {1U, 2U})
-    event.AddEvent(MakeMirrorEvent(2, mirror).get());
+  event.AddEvent(MakeMirrorEvent(2, 1).get());
   event.GetT3Data();
   event.GetTriggerData();
   event.GetGeometryData();
