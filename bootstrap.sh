@@ -12,7 +12,7 @@ Usage: ./bootstrap.sh COMMAND
   test    build everything and run all tests
   bench   measure speed and size beside ROOT's own formats, about 10 minutes, and renew the tables of docs/performance.md;
           bench --quick: in about a minute, tables in build/performance.md; files go to $TMPDIR or /tmp
-  check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, sanitizers, line coverage
+  check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
 Each installs what it needs (Debian packages as root, ROOT into .venv unless ROOT_DIR or thisroot.sh names one)
 and uses again what is there already.
 EOF
@@ -164,6 +164,8 @@ check() {
   find_root
   # shellcheck disable=SC2086
   need_python $TEST_PYTHON
+  # shellcheck disable=SC2086
+  need_python $CHECK_PYTHON
 
   say "Layout (clang-format)"
   git ls-files '*.h' '*.cc' | xargs clang-format --dry-run -Werror || die "run clang-format -i on the files above"
@@ -174,6 +176,9 @@ check() {
   say "clang-tidy"
   git ls-files '*/src/*.cc' 'VdUtil/root/*.cc' 'python/lib/*.cc' | xargs -P "$(nproc)" -n 1 clang-tidy -p build/release --quiet \
     2> >(grep -v 'warnings generated' >&2) || die "clang-tidy has findings"
+
+  say "Types of the Python package (mypy)"
+  .venv/bin/mypy --config-file python/pyproject.toml python/src/stnevent || die "mypy has findings"
 
   # One instrumented build serves sanitizers and coverage. The compiler warns of what is not so in instrumented code.
   build sanitize -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=OFF
