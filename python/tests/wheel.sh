@@ -21,9 +21,8 @@ cd "$scratch"
 site=$(echo "$scratch"/env/lib/python3*/site-packages)
 "$python" -m pip install -q --disable-pip-version-check --no-deps --target "$site" stnevent-*.whl
 # What the wheel needs stands beside it, ROOT in the place where an installation puts it.
-packages=$("$python" -c "import ROOT; print(ROOT.__path__[0])" 2> /dev/null | xargs dirname)
-ln -s "$packages/ROOT" "$site/ROOT"
-echo "$packages" > "$site/packages.pth"
+ln -s "$("$python" -W ignore -c "import ROOT; print(ROOT.__path__[0])")" "$site/ROOT"
+"$python" -c "import sys; print(*(path for path in sys.path if path.endswith('-packages')), sep='\n')" > "$site/packages.pth"
 
 cp "$source/test/golden/run.root" build/demo/run.root
 awk '/^```python/ { inside = 1; next } /^```/ { inside = 0 } inside' "$source/README.md" > readme.py
