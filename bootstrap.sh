@@ -12,6 +12,8 @@ Usage: ./bootstrap.sh COMMAND
   test    build everything and run all tests
   bench   measure speed and size beside ROOT's own formats, about 10 minutes, and renew the tables of docs/performance.md;
           bench --quick: in about a minute, tables in build/performance.md; files go to $TMPDIR or /tmp
+  mutate  put small faults into the libraries' sources, one at a time, and tell which of them no test notices, in a few
+          hours; what follows are sources or options: mutate --help
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
 Each installs what it needs (Debian packages as root, ROOT into .venv unless ROOT_DIR or thisroot.sh names one)
 and uses again what is there already.
@@ -122,6 +124,14 @@ run_tests() { # PRESET
   ctest --test-dir "build/$1" --output-on-failure --no-tests=error -j "$(nproc)" || die "tests failed"
 }
 
+mutate() {
+  local tool=test/mutation/mutate.py
+  [[ " $* " != *" --"@(help|list|summary)" "* ]] || exec python3 "$tool" "$@"
+  run_test_command
+  say "Mutants: results in build/mutants.jsonl"
+  nice python3 "$tool" "$@"
+}
+
 demo() {
   # shellcheck disable=SC2086
   need_packages $BUILD_PACKAGES
@@ -195,6 +205,7 @@ case "${1:-}" in
   demo) demo ;;
   test) run_test_command ;;
   bench) bench "${@:2}" ;;
+  mutate) mutate "${@:2}" ;;
   check) check ;;
   -h | --help | help) usage ;;
   *)

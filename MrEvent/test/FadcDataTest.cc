@@ -276,6 +276,16 @@ TEST(FadcData, ClearGivesANewTrace) {
   EXPECT_EQ(record.fPixelNumber.fPixelNumber, 0x35a7);
 }
 
+TEST(FadcData, ShowsTheSamplesFromTheFirstToTheLastBin) {
+  TFADCData trace;
+  SetBins(*trace.GetRecord(), 3, 5);
+  for (UInt_t bin = 2; bin <= 6; ++bin)
+    trace.GetRecord()->fFadcData[bin].fWord = 100 + bin;
+  std::ostringstream text;
+  trace.Show(text);
+  EXPECT_NE(text.str().find(" Samples                : 103 104 105\n"), std::string::npos) << text.str();
+}
+
 TEST(FadcData, ShowsAllValuesAndTheSamplesOfTheTrace) {
   TFADCData trace;
   Record& record = *trace.GetRecord();

@@ -230,6 +230,22 @@ TEST(MiFadcDataOnFile, TracesComeBack) {
   EXPECT_FALSE(back.IsValidPixel(2, 9));
 }
 
+TEST(MiFadcDataOnFile, ObjectIsWrittenAndReadAgainAndAgain) {
+  TMirrorFADCData data = MakeData();
+  TMirrorFADCData used;
+  SetTrace(used, 7, 400);
+  const Bytes bytes = ToBytes(data);
+  EXPECT_EQ(ToBytes(data), bytes);
+  ToBytes(used);
+  testing::internal::CaptureStderr();
+  for (int i = 0; i < 2; ++i) {
+    FromBytes(bytes, used);
+    ExpectMadeData(used);
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(ToBytes(used), bytes);
+}
+
 TEST(MiFadcDataOnFile, NoTracesComeBack) {
   TMirrorFADCData data;
   TMirrorFADCData back = MakeData();

@@ -277,6 +277,12 @@ TEST(MiPixelData, ShowsNoPixelWithoutATriggerInTheSlicesShown) {
   EXPECT_NE(text.str().find("Column 1, row 1"), std::string::npos);
 }
 
+TEST(MiPixelData, ShowsOneSlice) {
+  std::ostringstream text;
+  MakeData().Show(text, 1);
+  EXPECT_NE(text.str().find(" Column 1, row 1: 1\n"), std::string::npos) << text.str();
+}
+
 TEST(MiPixelData, ShowsNoPixelsForNoSlices) {
   std::ostringstream text;
   MakeData().Show(text, 0);
@@ -368,6 +374,22 @@ TEST(MiPixelDataOnFile, LaterVersionIsReadByItsDescription) {
   ExpectSameRecord(back, data);
 }
 
+TEST(MiPixelDataOnFile, ObjectIsWrittenAndReadAgainAndAgain) {
+  DescribeNextVersion(TMirrorPixelData::Class());
+  TMirrorPixelData data = MakeData();
+  TMirrorPixelData used;
+  const Bytes bytes = ToBytes(data);
+  EXPECT_EQ(ToBytes(data), bytes);
+  Bytes later = bytes;
+  Put(later, kVersionAt, 2, 2);
+  ToBytes(used);
+  for (const Bytes& record : {later, later, bytes, later}) {
+    FromBytes(record, used);
+    ExpectSameRecord(used, data);
+  }
+  EXPECT_EQ(ToBytes(used), bytes);
+}
+
 /// A damaged record of MakeData: what is reported, the object unchanged, and the buffer at the record's end.
 void ExpectRefused(size_t offset, UInt_t value, size_t size, const std::string& message, UInt_t version = 1) {
   TMirrorPixelData data = MakeData();
@@ -402,6 +424,20 @@ TEST(MiPixelDataDamaged, PixelOutsideTheCameraIsRefused) {
 
 TEST(MiPixelDataDamaged, MissingArrayIsRefused) {
   ExpectRefused(kPixelNoAt - 1, 0, 1, "fPixelNo: found 0, expected 1");
+  ExpectRefused(kPixelNoAt + 3 * 2, 0, 1, "fTriggerWord: found 0, expected 1");
+}
+
+TEST(MiPixelDataDamaged, RecordThatEndsInAnArrayIsRefused) {
+  TMirrorPixelData made = MakeData();
+  const Bytes whole = ToBytes(made);
+  for (const auto& [size, message] :
+       {std::pair<size_t, const char*>{kPixelNoAt + 5, "fPixelNo: found 6, expected at least 7 bytes"},
+        {kPixelNoAt + 6 + 48, "fTriggerWord: found 48, expected at least 49 bytes"}}) {
+    TMirrorPixelData back;
+    LogCapture log;
+    FromBytes(Shortened(whole, size), back);
+    EXPECT_EQ(log.Take(), "ERR:TMirrorPixelData::Streamer() - " + std::string(message) + ", record skipped\n");
+  }
 }
 
 TEST(MiPixelDataDamaged, VersionWithoutADescriptionIsRefused) {

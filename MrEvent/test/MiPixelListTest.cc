@@ -121,14 +121,17 @@ TEST(MiPixelList, ClearTakesEveryPixelOut) {
 
 TEST(MiPixelList, ShowsEachPixel) {
   TMirrorPixelList list;
-  _PixelNumber pixel = MakePixel(4, 1, 25);
-  list.AddPixel(&pixel);
+  _PixelNumber first = MakePixel(4, 1, 25);
+  _PixelNumber second = MakePixel(4, 1, 26);
+  list.AddPixel(&first);
+  list.AddPixel(&second);
   std::ostringstream text;
   list.Show(text);
   EXPECT_EQ(text.str(),
             "--- TMirrorPixelList ---\n"
-            " Number of pixels : 1\n"
+            " Number of pixels : 2\n"
             " Station 4, mirror 1, pixel 25, column 2, row 1\n"
+            " Station 4, mirror 1, pixel 26, column 2, row 2\n"
             "--------------------\n");
 }
 
@@ -164,6 +167,22 @@ TEST(MiPixelListOnFile, LaterVersionIsReadByItsDescription) {
   }
 }
 
+TEST(MiPixelListOnFile, ObjectIsWrittenAndReadAgainAndAgain) {
+  DescribeNextVersion(TMirrorPixelList::Class());
+  TMirrorPixelList list = MakeList(33);
+  TMirrorPixelList used = MakeList(5);
+  const Bytes bytes = ToBytes(list);
+  EXPECT_EQ(ToBytes(list), bytes);
+  Bytes later = bytes;
+  Put(later, kVersionAt, 2, 2);
+  ToBytes(used);
+  for (const Bytes& record : {later, later, bytes, later}) {
+    FromBytes(record, used);
+    EXPECT_EQ(Words(used), Words(list));
+  }
+  EXPECT_EQ(ToBytes(used), bytes);
+}
+
 void ExpectRefused(UInt_t count, const std::string& message, UInt_t version = 1) {
   TMirrorPixelList list = MakeList(10);
   Bytes bytes = ToBytes(list);
@@ -185,6 +204,16 @@ TEST(MiPixelListDamaged, CountThatTheRecordLacksIsRefused) {
 
 TEST(MiPixelListDamaged, CountBelowTheArrayIsRefused) {
   ExpectRefused(9, "bytes at the end of record: found 4, expected 0");
+}
+
+TEST(MiPixelListDamaged, MissingArrayIsRefused) {
+  TMirrorPixelList list = MakeList(1);
+  Bytes bytes = ToBytes(list);
+  Put(bytes, kNPixelsAt + 4, 0, 1);
+  TMirrorPixelList back;
+  LogCapture log;
+  FromBytes(bytes, back);
+  EXPECT_EQ(log.Take(), "ERR:TMirrorPixelList::Streamer() - fPixelWord: found 0, expected 1, record skipped\n");
 }
 
 TEST(MiPixelListDamaged, LaterVersionIsCheckedToo) {

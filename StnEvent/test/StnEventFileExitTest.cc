@@ -425,6 +425,14 @@ TEST(SignalHandlerTest, OtherSignalsOnlyCloseTheFiles) {
   EXPECT_EQ(CountWholeEvents(kName), 3u);
 }
 
+TEST(SignalHandlerTest, DoesNotLogItsEndAtLevel1) {
+  OpenFile::ExitHandler();
+  LogCapture log;
+  FilePrintLevel level(1);
+  TStnEventFileSignalHandler(kSigUser2).Notify();
+  EXPECT_EQ(log.Take(), "WRN:TStnEventFileSignalHandler::Notify() ...\n");
+}
+
 TEST(SignalHandlerTest, LogsItsEndAtLevel2) {
   OpenFile::ExitHandler();
   LogCapture log;

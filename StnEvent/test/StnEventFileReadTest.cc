@@ -283,6 +283,14 @@ TEST_F(StnEventFileReadTest, ReportsTheEndOfHeadersAndLeavesTheLastOne) {
   EXPECT_EQ(last->GetEventNo(), 3u);
 }
 
+TEST_F(StnEventFileReadTest, LeavesTheLastHeaderWhenHeadersAreSwitchedOff) {
+  fFile.ReadEventHeader(&fHeader);
+  fFile.ReadEventHeader(&fHeader);
+  Member<TTree*>(fFile, "fTree")->SetBranchStatus("fEventHeader*", false);
+  EXPECT_FALSE(fFile.ReadEventHeader(&fHeader));
+  EXPECT_EQ(fHeader->GetEventNo(), 1u);
+}
+
 TEST_F(StnEventFileReadTest, SharesThePositionBetweenHeadersAndEvents) {
   fFile.ReadEventHeader(&fHeader);
   ASSERT_TRUE(fFile.ReadEvent(&fAddress));

@@ -100,6 +100,12 @@ TEST_F(StnEventFileTest, DefaultConstructorLogsItsAddressAtLevel2) {
   EXPECT_EQ(fLog.Take(), "INF:StnEventFile::TStnEventFile() - " + Hex(&file) + "\n");
 }
 
+TEST_F(StnEventFileTest, DefaultConstructorIsSilentAtLevel1) {
+  FilePrintLevel level(1);
+  OpenFile file;
+  EXPECT_EQ(fLog.Take(), "");
+}
+
 TEST_F(StnEventFileTest, DefaultConstructorRegistersNothing) {
   OpenFile file;
   EXPECT_FALSE(IsRegistered(&file));

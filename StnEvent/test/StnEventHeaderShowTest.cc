@@ -1,5 +1,7 @@
 #include <StnEvent/StnEventHeader.h>
 
+#include <LogCapture.h>
+
 #include <TBufferFile.h>
 
 #include <gtest/gtest.h>
@@ -200,6 +202,17 @@ class OpenHeader : public TStnEventHeader {
 };
 
 }  // namespace
+
+TEST(StnEventHeaderShow, PrintsTheQualityOfACycleJustAbove50) {
+  EXPECT_EQ(Lines(Show(OpenHeader(50.5f, TStnEventHeader::kCorrectionNotSet)), 16, 16),
+            " Time correction quality: 'NotSet'\n");
+}
+
+TEST(StnEventHeaderShow, LogsNothing) {
+  LogCapture log;
+  Show(MakeHeader(1));
+  EXPECT_EQ(log.Take(), "");
+}
 
 TEST(StnEventHeaderShow, PrintsNoParametersOfACorrectionThatIsNotSet) {
   EXPECT_EQ(Lines(Show(OpenHeader(100.0f, TStnEventHeader::kCorrectionNotSet)), 16, 17),

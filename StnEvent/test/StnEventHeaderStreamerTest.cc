@@ -360,6 +360,14 @@ TEST_P(StnEventHeaderUnknownVersion, IsLeftToRoot) {
   EXPECT_EQ(Write(header), fresh);
 }
 
+TEST_P(StnEventHeaderUnknownVersion, IsLeftToRootAlsoWhenTheRecordIsEmpty) {
+  RootMessages root;
+  LogCapture log;
+  TStnEventHeader header;
+  EXPECT_EQ(Read(header, Frame(GetParam(), "")), 6);
+  EXPECT_EQ(log.Take(), "");
+}
+
 INSTANTIATE_TEST_SUITE_P(All, StnEventHeaderUnknownVersion, ::testing::Values(9, 11, 100, 32767));
 
 TEST(StnEventHeaderFrame, IsNotReadFromACutBuffer) {
@@ -560,6 +568,60 @@ TEST_P(StnEventHeaderOldVersion, SurvivesAnyByteThatIsWrong) {
 
 INSTANTIATE_TEST_SUITE_P(All, StnEventHeaderOldVersion, ::testing::Range(4, 9));
 
+TEST(StnEventHeaderVersion8, NamesTheFieldAtWhichTheBufferEnds) {
+  const std::vector<std::pair<std::string, Int_t>> fields = {{"fEventNumber", 4},
+                                                             {"fStnNumber", 1},
+                                                             {"fEventClass", 4},
+                                                             {"fEventType", 4},
+                                                             {"fMirrorDataBits", 1},
+                                                             {"fMirrorStatus", 1},
+                                                             {"fRunNo", 4},
+                                                             {"fTriggerSource", 6},
+                                                             {"fStatusBits", 4},
+                                                             {"fTimeStamp", 14},
+                                                             {"fTimeCorrectionQuality", 4},
+                                                             {"fT10Mhz", 4},
+                                                             {"fOffset", 4},
+                                                             {"fMirrorTimeOffset", 24},
+                                                             {"fRawMirrorTime", 14},
+                                                             {"fRawMirrorTime", 14},
+                                                             {"fRawMirrorTime", 14},
+                                                             {"fRawMirrorTime", 14},
+                                                             {"fRawMirrorTime", 14},
+                                                             {"fRawMirrorTime", 14},
+                                                             {"fTriggerTimeStamp", 24},
+                                                             {"fDeadTimeCounter", 48},
+                                                             {"fVetoTimeCounter", 8},
+                                                             {"fStnDaqDeadTime", 8},
+                                                             {"fMirrorDaqDeadTime", 48},
+                                                             {"fMirrorNSkippedTriggers", 24},
+                                                             {"fMirrorEventLabel", 24},
+                                                             {"fT3Id", 2},
+                                                             {"fT3TimeAtGround", 14},
+                                                             {"fNRejectedT3", 4},
+                                                             {"fTotalT3DeadTime", 4}};
+  // An object part with a byte count, so that what follows is longer than any object part.
+  const std::string object = Record().Add(0x4000000au).Add(UShort_t(1)).Add(ULong64_t(0)).GetBytes();
+  const std::string content = object + OldFields(8).substr(10);
+  size_t end = object.size();
+  LogCapture log;
+  for (const auto& [name, size] : fields) {
+    end += size;
+    TStnEventHeader header;
+    Read(header, Frame(8, content).substr(0, 6 + end - 1));
+    EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::StreamerV8() - " + name + ": found " + std::to_string(size - 1) +
+                              " bytes, expected " + std::to_string(size) + " !\n");
+  }
+  EXPECT_EQ(end, content.size());
+}
+
+TEST(StnEventHeaderVersion8, NeedsRoomForTheLongestObjectPart) {
+  TStnEventHeader header;
+  LogCapture log;
+  Read(header, OldRecord(8).substr(0, 6 + 15));
+  EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::StreamerV8() - TObject: found 15 bytes, expected 16 !\n");
+}
+
 TEST(StnEventHeaderVersion5, Has239Bytes) { EXPECT_EQ(OldRecord(5).size() - 4, 239u); }
 
 TEST(StnEventHeaderOldVersions, LeaveAByteCountThatIsTooLargeToRoot) {
@@ -742,6 +804,8 @@ TEST(StnEventHeaderVersion3, NeedsNothingBehindItsFrame) {
 TEST(StnEventHeaderVersion0, IsNotReadWithoutItsChecksum) {
   LogCapture log;
   TStnEventHeader header;
+  EXPECT_EQ(Read(header, Frame(0, "")), 6);
+  EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::Streamer() - frame: found 6 bytes, expected 10 !\n");
   EXPECT_EQ(Read(header, Frame(0, "abc")), 9);
   EXPECT_EQ(log.Take(), "ERR:TStnEventHeader::Streamer() - frame: found 9 bytes, expected 10 !\n");
 }

@@ -150,6 +150,14 @@ INSTANTIATE_TEST_SUITE_P(InOrder, TimeCorrectionRawLimits,
                                            RawCase{0, 201, 202, 203, "value '201' passed for 'end_offset'"},
                                            RawCase{0, 0, 202, 203, "value '202' passed for 'ticks_per_sec'"}));
 
+TEST(TimeCorrectionRaw, TakesTheStartOfTheSecondOffTheCycleAndAddsItsEnd) {
+  OpenHeader header;
+  header.SetTimeCorrectionParameters(127, 0, 80000000, 0);
+  EXPECT_EQ(GetParameters(header).fT10, 99.9999873f);
+  header.SetTimeCorrectionParameters(0, 127, 80000000, 0);
+  EXPECT_EQ(GetParameters(header).fT10, 100.0000127f);
+}
+
 TEST(TimeCorrectionRaw, KeepsTheOldMeasurementWhenItRefuses) {
   LogCapture log;
   OpenHeader header;
@@ -285,6 +293,14 @@ TEST(TimeCorrectionSet, HasNoUpperLimitForAMeasurement) {
   Member<UInt_t>(header, "fTicksPerSecond") = 40000000;
   EXPECT_TRUE(header.IsTimeCorrectionSet());
   EXPECT_EQ(GetParameters(header), (Parameters{200.0f, 0.0f}));
+}
+
+TEST(TimeCorrectionSet, IsFalseForAMeasurementOf50AndBelow) {
+  for (const UInt_t ticks : {160000000, 160000001}) {
+    TStnEventHeader header;
+    Member<UInt_t>(header, "fTicksPerSecond") = ticks;
+    EXPECT_FALSE(header.IsTimeCorrectionSet()) << ticks;
+  }
 }
 
 TEST(TimeCorrectionSet, IsFalseForWhatIsNoNumber) {
@@ -522,6 +538,21 @@ TEST(AdjustMirrorTimes, PassesOverMirrorsWithoutData) {
   header.AdjustMirrorTimes();
   EXPECT_EQ(GetTime(header), (GPSTime{1000, 500}));
   EXPECT_EQ(header.GetMirrorTimeOffset(1), 0u);
+}
+
+TEST(AdjustMirrorTimes, PassesOverTheSpareBitsForMirrors) {
+  TStnEventHeader header = MakeHeader(100.0f, 0);
+  for (UInt_t id = 1; id <= 6; ++id) {
+    AddMirror(header, id, 1000, 100 + id);
+    header.SetTriggerTimeStamp(5, id);  // stands behind the raw times, and would be an early one
+  }
+  Member<UChar_t>(header, "fMirrorDataBits") = 0xff;
+  header.AdjustMirrorTimes();
+  EXPECT_EQ(GetTime(header), (GPSTime{1000, 101}));
+  for (UInt_t id = 1; id <= 6; ++id) {
+    EXPECT_EQ(header.GetMirrorTimeOffset(id), id - 1);
+    EXPECT_EQ(ToGPS(header.GetRawMirrorTimeStamp(id)), (GPSTime{1000, 100 + id}));
+  }
 }
 
 TEST(AdjustMirrorTimes, CarriesACorrectedTimeIntoTheNextSecond) {

@@ -33,8 +33,9 @@ std::vector<char> Write(TStnEvent* event) {
 }
 
 /// Reads an event from the bytes and nothing else; where the buffer stands afterwards.
-Int_t Read(TStnEvent* event, std::vector<char> bytes) {
+Int_t Read(TStnEvent* event, std::vector<char> bytes, Int_t start = 0) {
   TBufferFile buffer(TBuffer::kRead, bytes.size(), bytes.data(), kFALSE);
+  buffer.SetBufferOffset(start);
   event->Streamer(buffer);
   return buffer.Length();
 }
@@ -272,12 +273,27 @@ INSTANTIATE_TEST_SUITE_P(
                                  [](size_t size) { return ByteCountComplaint(0, size - 4); }},
                     DamagedFrame{"CutRecord", [](auto* bytes) { bytes->pop_back(); },
                                  [](size_t size) { return ByteCountComplaint(size - 3, size - 4); }},
+                    DamagedFrame{"CutAfterTheFrame",
+                                 [](auto* bytes) {
+                                   SetByteCount(bytes, kByteCountFlag | 100);
+                                   bytes->resize(10);
+                                 },
+                                 [](size_t) { return ByteCountComplaint(100, 6); }},
                     DamagedFrame{"CutFrame", [](auto* bytes) { bytes->resize(9); },
                                  [](size_t) {
                                    return "ERR:TStnEvent::Streamer() - bytes in the buffer: found 9, expected at "
                                           "least 10\n";
                                  }}),
     [](const auto& info) { return info.param.fName; });
+
+TEST_F(StnEventStreamerTest, RefusesAByteCountBeyondTheBufferAfterOtherRecords) {
+  std::vector<char> bytes = Write(&fEvent);
+  const size_t most = bytes.size() - 4;
+  SetByteCount(&bytes, kByteCountFlag | (most + 1));
+  bytes.insert(bytes.begin(), 20, 'x');
+  EXPECT_EQ(Read(&fRead, bytes, 20), static_cast<Int_t>(bytes.size()));
+  EXPECT_EQ(fLog.Take(), ByteCountComplaint(most + 1, most));
+}
 
 TEST_F(StnEventStreamerTest, SurvivesARecordOfAVersionThatNobodyKnows) {
   for (const Version_t version : {Version_t(0), Version_t(-1), Version_t(99)}) {

@@ -92,10 +92,11 @@ class TGuarded {
   char* fBytes;
 };
 
-/// Reads a list and answers where the buffer stands then.
-Int_t Read(TStnPixelList& list, const std::string& bytes) {
+/// Reads a list that stands at `start` and answers where the buffer stands then.
+Int_t Read(TStnPixelList& list, const std::string& bytes, Int_t start = 0) {
   TGuarded guarded(bytes);
   TBufferFile b(TBuffer::kRead, bytes.size(), guarded.Get(), false);
+  b.SetBufferOffset(start);
   list.Streamer(b);
   return b.Length();
 }
@@ -425,6 +426,15 @@ TEST_F(StnPixelListRefusalTest, ByteCountBeyondTheBuffer) {
                 "ERR:TStnPixelList::Streamer() - byte count: found 386, expected at most 385, record skipped\n");
 }
 
+TEST_F(StnPixelListRefusalTest, ByteCountBeyondTheBufferAfterOtherRecords) {
+  TList3 source({7}), target({5});
+  const std::string before(20, 'x');
+  EXPECT_EQ(Read(target, before + Written(source).Set4(0, 0x40000000 | 386), 20), 20 + kRecordSize);
+  EXPECT_EQ(fLog.Take(),
+            "ERR:TStnPixelList::Streamer() - byte count: found 386, expected at most 385, record skipped\n");
+  EXPECT_EQ(target.GetPixels(), Pixels({5}));
+}
+
 TEST_F(StnPixelListRefusalTest, RecordOfNothing) {
   ExpectRefused("", 0, "ERR:TStnPixelList::Streamer() - frame: found 0 bytes, expected at least 4, record skipped\n");
 }
@@ -437,6 +447,37 @@ TEST_F(StnPixelListRefusalTest, RecordThatEndsInItsObject) {
 TEST_F(StnPixelListRefusalTest, RecordThatEndsInTheByteCountOfItsObject) {
   ExpectRefused(Framed(4, TBytes().Add4(0x40000008).Add2(1).Add4(0).Add2(0)), 18,
                 "ERR:TStnPixelList::Streamer() - TObject: found 12 bytes, expected at least 14, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, FrameThatEndsInItsVersion) {
+  ExpectRefused(TBytes().Add4(0x40000002).Add1(0), 5,
+                "ERR:TStnPixelList::Streamer() - frame: found 5 bytes, expected at least 6, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, RecordOfAFrameAlone) {
+  ExpectRefused(Framed(4, ""), 6,
+                "ERR:TStnPixelList::Streamer() - TObject: found 0 bytes, expected at least 10, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, RecordThatEndsInTheReferenceOfItsObject) {
+  ExpectRefused(Framed(4, Object(TObject::kIsReferenced)), 16,
+                "ERR:TStnPixelList::Streamer() - TObject: found 10 bytes, expected at least 12, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, RecordThatEndsBeforeTheMarkOfItsVector) {
+  ExpectRefused(Framed(4, Object().Add4(2).Add4(1).Add4(1)), 28,
+                "ERR:TStnPixelList::Streamer() - fPixelVector: found 0 bytes, expected at least 1, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, Version2ThatEndsInItsNumberOfPixels) {
+  ExpectRefused(Framed(2, Object().Add2(0)), 18,
+                "ERR:TStnPixelList::Streamer() - fNPixels: found 2 bytes, expected at least 4, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, Version2ThatEndsInTheSizeOfItsVector) {
+  ExpectRefused(
+      Framed(2, Object().Add4(1).Add2(0)), 22,
+      "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 2 bytes, expected at least 4, record skipped\n");
 }
 
 TEST_F(StnPixelListRefusalTest, RecordThatEndsInANumber) {
@@ -597,6 +638,18 @@ TEST_F(StnPixelListRefusalTest, Version2WithAFlagWordThatMakesTheObjectLonger) {
       "ERR:TStnPixelList::Streamer() - fPixelVectorSize: found 5898240, expected at most 89, record skipped\n");
 }
 
+TEST_F(StnPixelListRefusalTest, Version2WithoutAByteCountOfFourBytes) {
+  ExpectRefused(TBytes().Add2(2).Add2(1), 4,
+                "ERR:TStnPixelList::Streamer() - TObject: found 2 bytes, expected at least 10, record skipped\n");
+}
+
+TEST_F(StnPixelListStreamerTest, Version2EndsWhereItsByteCountSays) {
+  TList3 list;
+  const TBytes bytes = Framed(2, Content2(1, {1}) + "more");
+  EXPECT_EQ(Read(list, bytes), Int_t(bytes.size()));
+  EXPECT_EQ(list.GetPixels(), Pixels({1}));
+}
+
 // Versions that cannot be read
 
 TEST_F(StnPixelListStreamerTest, RefusesVersion1WhereItStands) {
@@ -711,6 +764,14 @@ TEST_F(StnPixelListStreamerTest, DescriptionDecidesTheTypeOnFile) {
   EXPECT_EQ(fLog.Take(), "");
   EXPECT_EQ(list.GetStnNo(), 5U);
   EXPECT_EQ(list.GetPixels(), Pixels({2}));
+}
+
+TEST_F(StnPixelListStreamerTest, SizeOfTheVectorNeedNotStandRightBeforeIt) {
+  TDescription(14).AddSize().AddNumber("fNPixels", TStreamerInfo::kUInt, "UInt_t", 4).AddVector().Register();
+  TList3 list;
+  Read(list, Framed(14, Object().Add4(1).Add4(2).Add1(1).AddWords({3})));
+  EXPECT_EQ(fLog.Take(), "");
+  EXPECT_EQ(list.GetPixels(), Pixels({1, 2}));
 }
 
 TEST_F(StnPixelListRefusalTest, DescriptionWithoutAVector) {

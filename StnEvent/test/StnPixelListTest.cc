@@ -381,6 +381,13 @@ TEST_F(StnPixelListTest, ExpansionIsSilentAtPrintLevel1) {
   EXPECT_EQ(fLog.Take(), "");
 }
 
+TEST_F(StnPixelListTest, ExpandedAgainItHoldsEachPixelOnce) {
+  TList2 list({1, 2880});
+  list.ConstructPixelList();
+  list.ConstructPixelList();
+  EXPECT_EQ(list.GetPixels(), std::vector<UInt_t>({1, 2880}));
+}
+
 TEST(StnPixelListDeathTest, FewerBitsThanTheCountEndTheProcess) {
   TList2 list;
   list.Remove(20);
@@ -522,6 +529,11 @@ TEST_F(StnPixelListTest, ListsWithOtherBitsDiffer) {
   const TList2 a({3, 2880}), b({3});
   EXPECT_FALSE(a == b);
   EXPECT_FALSE(b == a);
+}
+
+TEST_F(StnPixelListTest, ListsThatDifferInTheirFirstWordDiffer) {
+  const TList2 a({32}), b({31});
+  EXPECT_FALSE(a == b);
 }
 
 TEST_F(StnPixelListTest, StationIsNotCompared) {
