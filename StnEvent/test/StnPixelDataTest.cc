@@ -275,6 +275,17 @@ TEST_F(StnPixelDataTest, AssignmentCopiesIntoAnEmptySlot) {
   EXPECT_EQ(target.GetPixelData(4)->GetMirrorNo(), 4U);
 }
 
+TEST_F(StnPixelDataTest, AssignmentReachesTheFirstAndTheLastMirror) {
+  TStnPixelData source, target;
+  for (UInt_t mirror : {1U, 6U}) {
+    TMirrorPixelData mirror_data = Data(mirror);
+    source.AddPixelData(&mirror_data, mirror);
+  }
+  target = source;
+  EXPECT_NE(target.GetPixelData(1), nullptr);
+  EXPECT_NE(target.GetPixelData(6), nullptr);
+}
+
 TEST_F(StnPixelDataTest, AssignmentReusesAnObject) {
   TStnPixelData source, target;
   TMirrorPixelData mirror_data = Data(4);
@@ -284,6 +295,7 @@ TEST_F(StnPixelDataTest, AssignmentReusesAnObject) {
   target = source;
   EXPECT_EQ(target.GetPixelData(4), own);
   EXPECT_EQ(own->GetMirrorNo(), 4U);
+  EXPECT_EQ(own->GetFirstTriggeredTimeBin(3, 4, 0, 99), 50);
 }
 
 TEST_F(StnPixelDataTest, AssignmentDeletesSurplusObjects) {
@@ -326,7 +338,7 @@ TEST_F(StnPixelDataTest, ShowsAnEmptyContainer) {
 
 TEST_F(StnPixelDataTest, ShowsTheMirrorsWithData) {
   TStnPixelData data;
-  for (UInt_t mirror : {2U, 5U}) {
+  for (UInt_t mirror : {1U, 6U}) {
     TMirrorPixelData mirror_data = Data(mirror);
     data.AddPixelData(&mirror_data, mirror);
   }
@@ -338,8 +350,8 @@ TEST_F(StnPixelDataTest, ShowsTheMirrorsWithData) {
             "--- TStnPixelData ---\n"
             " Streamer version: 0\n"
             " Class version   : 2\n"
-            "\tFound pixel data for Mirror 2, telescope id= 8 (probably wrong!)\n"
-            "\tFound pixel data for Mirror 5, telescope id= 11 (probably wrong!)\n");
+            "\tFound pixel data for Mirror 1, telescope id= 7 (probably wrong!)\n"
+            "\tFound pixel data for Mirror 6, telescope id= 12 (probably wrong!)\n");
 }
 
 TEST_F(StnPixelDataTest, ShowsTheDataThemselvesToStandardOutput) {

@@ -306,6 +306,7 @@ TEST_F(LeapSecondFile, ThatIsEmptyIsRefused) { ExpectRefused("# nothing\n", ": n
 TEST_F(LeapSecondFile, ThatBeginsLaterIsRefused) {
   ExpectRefused("1981-07-01 1\n", ":1: the first entry is not 1980-01-06 0");
   ExpectRefused("1980-01-06 1\n", ":1: the first entry is not 1980-01-06 0");
+  ExpectRefused("1981-07-01 0\n", ":1: the first entry is not 1980-01-06 0");
 }
 
 TEST_F(LeapSecondFile, WhoseDatesDontRiseIsRefused) {
