@@ -333,6 +333,14 @@ TEST_F(StnFadcDataTest, RemovingNothingChangesNothing) {
   EXPECT_EQ(data.GetNTraces(), 1U);
 }
 
+TEST_F(StnFadcDataTest, FirstTraceCanBeRemoved) {
+  TStnFADCData data;
+  Add(data, 1, 1);
+  const std::unique_ptr<const TFADCData> removed(Get(data, 1, 1));
+  data.RemoveFADCData(removed.get());
+  EXPECT_EQ(Get(data, 1, 1), nullptr);
+}
+
 TEST_F(StnFadcDataTest, LastTraceCanBeRemoved) {
   TStnFADCData data;
   Add(data, 6, 480);
