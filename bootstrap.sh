@@ -15,6 +15,8 @@ Usage: ./bootstrap.sh COMMAND
   mutate  put small faults into the libraries' sources, one at a time, and tell which of them no test notices, in a few
           hours; what follows are sources or options: mutate --help
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
+  fuzz SECONDS
+          try damaged input on every reader, each of the fuzz targets for so many seconds
 Each installs what it needs (Debian packages as root, ROOT into .venv unless ROOT_DIR or thisroot.sh names one)
 and uses again what is there already.
 EOF
@@ -200,6 +202,17 @@ check() {
     --exclude '.*/test/.*' --exclude-throw-branches --fail-under-line 95 build/sanitize || die "less than 95 % of the lines are covered"
 }
 
+# Random input for every reader: from the inputs in test/fuzz/corpus, each target for so many seconds, two at a time.
+fuzz() {
+  [[ ${1:-} =~ ^[0-9]+$ ]] || die "fuzz needs a number of seconds"
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $FUZZ_PACKAGES
+  find_root
+  build fuzz
+  say "Fuzzing, $1 s each target"
+  test/fuzz/run.sh build/fuzz/fuzz test/fuzz/corpus build/fuzz/found "$1" || die "fuzzing found something: see above"
+}
+
 mkdir -p build
 case "${1:-}" in
   demo) demo ;;
@@ -207,6 +220,7 @@ case "${1:-}" in
   bench) bench "${@:2}" ;;
   mutate) mutate "${@:2}" ;;
   check) check ;;
+  fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;
   *)
     usage >&2

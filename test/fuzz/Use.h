@@ -56,6 +56,12 @@ inline void Use(TStnEvent& event) {
   copy.Clear();
 }
 
+inline void Use(const VdRoot::TTimeStamp& stamp) {
+  VdRoot::TTimeStamp copy(stamp);
+  copy.Normalize();
+  std::cout << copy.AsString() << copy.AsString("g");
+}
+
 /// All other records only show themselves.
 template <class T>
 void Use(const T& record) {

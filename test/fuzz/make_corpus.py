@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Writes the starting inputs of the fuzz targets: make_corpus.py CORPUS_FOLDER FILE...
 
-The files are those of the old writers and one of today's library. Of all their records the first of each class, version
+The files are those of the old writers and of the library itself. Of all their records the first of each class, version
 and length is kept, alone and, for events, whole. Each is a file named by where it comes from.
 """
 import pathlib
 import sys
 
 import uproot
+
+LIMIT = 8000  # bytes of one input
 
 # The target that reads a class. What "parts" reads begins with a byte that says which of its classes follows.
 PARTS = ["TStnRunHeader", "TStnRunTrailer", "TStnT3Data", "TStnTriggerData", "TStnGeometryData", "TStnPixelData",
@@ -29,6 +31,13 @@ def keys(path):
         if key.fClassName in TARGETS:
             chunk, cursor = key.get_uncompressed_chunk_cursor()
             yield key.fClassName, bytes(chunk.raw_data[cursor.index :])
+
+
+def entries(path):
+    """The first records of each class in the baskets of the tree."""
+    for branch in uproot.open(path)["StnEventTree"].itervalues(recursive=True):
+        if branch.num_baskets:
+            yield from parts(bytes(branch.basket(0).data))
 
 
 def frame(data, at):
@@ -58,7 +67,7 @@ def main(folder, *files):
     known = set()
 
     def add(class_name, origin, data):
-        if shape(class_name, data) in known:
+        if shape(class_name, data) in known or len(data) > LIMIT:
             return
         known.add(shape(class_name, data))
         target = TARGETS[class_name]
@@ -75,6 +84,8 @@ def main(folder, *files):
             if class_name == "TStnEvent":
                 for part, record in parts(data):
                     add(part, pathlib.Path(path).stem, record)
+        for class_name, data in entries(path):
+            add(class_name, pathlib.Path(path).stem, data)
 
 
 if __name__ == "__main__":
