@@ -75,4 +75,4 @@ def judge(outcome, good):
         return "told"
     if wrong and not outcome.said_before(wrong[0]):
         return "wrong"
-    return "told" if outcome.messages else "silent"
+    return "told" if outcome.messages else "wrong"

@@ -1,6 +1,13 @@
-"""survey.py BIN [PART]: damages files in every way there is and prints how often each end was met.
+"""survey.py BIN [PART]: damages files in every way there is, reads them with the library, and prints how often each end
+was met. PART, from 0 to 1, is the part of the cases that is tried.
 
-PART, from 0 to 1, is the part of the cases that is tried."""
+whole    everything came back as it was written
+told     something is missing or wrong, and a message came first
+ended    the library ended the process, as it does when a pixel list contradicts itself
+wrong    something is wrong or missing without a message
+crash    ROOT crashed
+hang     ROOT took all its time or gave no end of messages
+"""
 
 import collections
 import os
@@ -13,49 +20,51 @@ import cases
 from reader import Reader, judge
 
 SEED = 1
-COMPRESSIONS = ("1", "0", "404", "505")
+COMPRESSIONS = ("1", "404", "505", "0")
+VERDICTS = ("whole", "told", "ended", "wrong", "crash", "hang")
 
 
-def simulate(folder, name, compression, seed):
+def simulate(programs, folder, name, compression, seed):
     path = os.path.join(folder, name)
     subprocess.run(
-        [os.path.join(sys.argv[1], "stn-simulate"), path, "-n", "12", "--compression", compression, "--seed", str(seed)],
+        [os.path.join(programs, "stn-simulate"), path, "-n", "12", "--compression", compression, "--seed", str(seed)],
         check=True, stdout=subprocess.DEVNULL,
-    )
+    )  # fmt: skip
     with open(path, "rb") as file:
         return path, file.read()
 
 
-def survey(folder, compression, part, count, bad):
-    path, good = simulate(folder, f"run{compression}.root", compression, 1)
-    other = simulate(folder, f"other{compression}.root", compression, 2)[1]
-    damaged = os.path.join(folder, "damaged.root")
-    chance = random.Random(SEED)
-    with Reader(os.path.join(sys.argv[1], "read_damaged")) as reader:
+def survey(programs, folder, compression, part):
+    """Each case that was tried: kind, what was done, verdict, outcome."""
+    path, good = simulate(programs, folder, f"run{compression}.root", compression, 1)
+    other = simulate(programs, folder, f"other{compression}.root", compression, 2)[1]
+    damaged, chance = os.path.join(folder, "damaged.root"), random.Random(SEED)
+    with Reader(os.path.join(programs, "read_damaged")) as reader:
         sound = reader.read(path)
         for kind in cases.KINDS:
             for what, contents in cases.make(kind, good, other, SEED):
-                if chance.random() >= part:
-                    continue
-                with open(damaged, "wb") as file:
-                    file.write(contents)
-                outcome = reader.read(damaged)
-                verdict = judge(outcome, sound)
-                count[kind, compression][verdict] += 1
-                if verdict not in ("whole", "told"):
-                    bad.append((verdict, compression, kind, what, outcome))
+                if chance.random() < part:
+                    with open(damaged, "wb") as file:
+                        file.write(contents)
+                    outcome = reader.read(damaged)
+                    yield kind, what, judge(outcome, sound), outcome
 
 
 def main():
-    part = float(sys.argv[2]) if len(sys.argv) > 2 else 1
-    count, bad = collections.defaultdict(collections.Counter), []
-    with tempfile.TemporaryDirectory(dir="/dev/shm") as folder:
+    programs, part = sys.argv[1], float(sys.argv[2]) if len(sys.argv) > 2 else 1
+    with tempfile.TemporaryDirectory() as folder:
         for compression in COMPRESSIONS:
-            survey(folder, compression, part, count, bad)
-    for (kind, compression), verdicts in count.items():
-        print(f"{kind:60} {compression:>4} {sum(verdicts.values()):6}  " + ", ".join(f"{v} {n}" for v, n in sorted(verdicts.items())))
-    for verdict, compression, kind, what, outcome in bad:
-        print(verdict, compression, kind, "|", what, "|", outcome.ended, outcome.seconds, outcome.kilobytes, outcome.messages[-1:])
+            count, bad = collections.defaultdict(collections.Counter), []
+            for kind, what, verdict, outcome in survey(programs, folder, compression, part):
+                count[kind][verdict] += 1
+                if verdict not in ("whole", "told", "ended"):
+                    bad.append(f"{verdict}: {kind}, {what}: {outcome.ended}, {outcome.seconds} s, {outcome.kilobytes} kB, "
+                               f"{outcome.messages[-1:]}")  # fmt: skip
+            print(f"\n## Compression {compression}\n\n| damage | tried | {' | '.join(VERDICTS)} |\n|---|{'---|' * 7}")
+            for kind, verdicts in count.items():
+                print(f"| {kind} | {sum(verdicts.values())} | " + " | ".join(str(verdicts[v]) for v in VERDICTS) + " |")
+            print("", *bad, sep="\n", flush=True)
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -175,3 +175,33 @@ TEST_P(WriteFaultsTest, ToolsKeepNoFileThatIsNotWhole) {
 
 INSTANTIATE_TEST_SUITE_P(, WriteFaultsTest, testing::ValuesIn(kFaults),
                          [](const auto& fault) { return std::string(fault.param.fName); });
+
+TEST(RemovedFileTest, IsReadToItsEnd) {
+  WriteFile(kName, kNEvents);
+  TStnEventFile file(kName);
+  TStnEvent event;
+  TStnEvent* address = &event;
+  ASSERT_TRUE(file.ReadEvent(&address));
+  ASSERT_TRUE(fs::remove(kName));
+  for (UInt_t number = 1; number < kNEvents; ++number) {
+    ASSERT_TRUE(file.ReadEvent(&address));
+    EXPECT_TRUE(IsEvent(event, number));
+  }
+}
+
+TEST(RemovedFileTest, IsNotReportedAsWritten) {
+  fs::remove(kName);
+  StnTools::OutputFile file(kName, true, 1);
+  FillEvent(file.GetEvent(), 0);
+  file.WriteEvent();
+  ASSERT_TRUE(fs::remove(std::string(kName) + ".part"));
+  try {
+    file.Finish();
+    FAIL();
+  } catch (const StnTools::ToolError& error) {
+    EXPECT_EQ(error.GetCode(), StnTools::kCannotWrite);
+    EXPECT_STREQ(error.what(),
+                 "faulty.root could not be written (No such file or directory) and was not kept; choose another place");
+  }
+  EXPECT_FALSE(fs::exists(kName));
+}
