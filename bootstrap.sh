@@ -14,6 +14,8 @@ Usage: ./bootstrap.sh COMMAND
           bench --quick: in about a minute, tables in build/performance.md; files go to $TMPDIR or /tmp
   mutate  put small faults into the libraries' sources, one at a time, and tell which of them no test notices, in a few
           hours; what follows are sources or options: mutate --help
+  damage  damage files in every way there is, fail every write and cut the power at every moment; about half an hour
+  load    8 processes that write and 8 that read for ten minutes, then memory over thousands of files and events
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
   fuzz SECONDS
           try damaged input on every reader, each of the fuzz targets for so many seconds
@@ -170,6 +172,34 @@ bench() { # [--quick]
   say "Results are in build/bench.json, tables in $page"
 }
 
+build_for_trials() {
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $TEST_PACKAGES $BENCH_PACKAGES
+  find_root
+  build release -DBUILD_TESTING=ON -DSTN_BUILD_BENCH=ON
+}
+
+damage() {
+  local bin=$PWD/build/release/bin shim=$PWD/build/release/lib/libIoShim.so
+  export PYTHONDONTWRITEBYTECODE=1 STN_BIN=$bin STN_SHIM=$shim STN_LONG=1
+  build_for_trials
+  say "Damaged files, by compression"
+  python3 test/damage/survey.py "$bin" || die "the survey failed"
+  say "Refused writes and syncs"
+  (cd build/release/test/faults/WriteFaultsTest.dir && "$bin/WriteFaultsTest" --gtest_brief=1) || die "a fault was not noticed"
+  python3 test/faults/ToolFaultsTest.py || die "a program did not notice a fault"
+  say "Power loss"
+  python3 test/faults/power_loss.py "$bin" "$shim" || die "events were lost or invented"
+}
+
+load() {
+  build_for_trials
+  say "Load, ten minutes"
+  PYTHONDONTWRITEBYTECODE=1 python3 test/faults/load.py build/release/bin 600 || die "something went wrong under load"
+  say "Memory"
+  (cd build/release/test/faults/MemoryTest.dir && STN_LONG=1 "$OLDPWD/build/release/bin/MemoryTest") || die "memory grew"
+}
+
 check() {
   # shellcheck disable=SC2086
   need_packages $BUILD_PACKAGES $TEST_PACKAGES $BENCH_PACKAGES $CHECK_PACKAGES
@@ -219,6 +249,8 @@ case "${1:-}" in
   test) run_test_command ;;
   bench) bench "${@:2}" ;;
   mutate) mutate "${@:2}" ;;
+  damage) damage ;;
+  load) load ;;
   check) check ;;
   fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;

@@ -66,7 +66,7 @@ def judge(outcome, good):
     if kind == "signal":
         return "hang" if int(number) in TOO_LONG else "crash"
     if "done" not in outcome.results:
-        return "ended" if number == "1" else "crash"
+        return "ended" if number == "1" and any(text.startswith("FAT:") for text in outcome.messages) else "crash"
     read = {what: value for what, value in outcome.results.items() if value != "-"}
     wrong = [what for what, value in read.items() if good.results.get(what) != value and what != "open"]
     if not wrong and len(read) == len(good.results):

@@ -18,12 +18,17 @@ class Record:
     start: int
     length: int
     key_length: int
+    object_length: int
     class_name: str
     name: str
 
     @property
     def end(self):
         return self.start + self.length
+
+    @property
+    def is_packed(self):
+        return self.length - self.key_length < self.object_length
 
     @property
     def contents(self):
@@ -41,10 +46,10 @@ def records(data):
     while place < len(data):
         (length,) = struct.unpack_from(">i", data, place)
         if length > 0:
-            version, _, _, key_length = struct.unpack_from(">hiIh", data, place + 4)
+            version, object_length, _, key_length = struct.unpack_from(">hiIh", data, place + 4)
             class_name, after = _text(data, place + 18 + (16 if version > LONG_KEYS else 8))
             name, _ = _text(data, after)
-            found.append(Record(place, length, key_length, class_name, name))
+            found.append(Record(place, length, key_length, object_length, class_name, name))
         place += abs(length)
     return found
 
