@@ -1,0 +1,178 @@
+"""Kills an event builder in every way, and compares what stn-recover brings back with what was on disk.
+
+STN_CRASH_RUNS: number of kills at random moments, of kills in a write, and of cuts at random places (default: 6).
+STN_CRASH_SEED: decides the moments (default: 1).
+STN_CRASH_TABLE: file that gets a line of a table for each kind of test.
+"""
+
+import hashlib
+import json
+import os
+import random
+import signal
+import stat
+import subprocess
+import time
+import unittest
+
+from programs import BIN, ProgramTest
+from records import events_on_disk
+
+RUNS = int(os.environ.get("STN_CRASH_RUNS", "6"))
+SEED = int(os.environ.get("STN_CRASH_SEED", "1"))
+N_EVENTS = 400
+
+# How an event builder may have its tree put on disk.
+BUILDERS = {
+    "as the library does it": (),
+    "uncompressed": ("--compression", "0"),
+    "flushed every 10 events": ("--flush", "10"),
+    "saved every 20 events": ("--save", "20", "--save-option", "SaveSelf"),
+    "flushed and saved every 20 events": ("--save", "20", "--save-option", "FlushBaskets SaveSelf"),
+}
+
+
+def combine(events):
+    """One checksum over those of some events, as stn-verify shows it."""
+    value = 0xCBF29CE484222325
+    for event in events:
+        for part in event:
+            value = (value ^ int(part, 16)) * 0x100000001B3 % 2**64
+            value ^= value >> 32
+    return f"{value:016x}"
+
+
+class CrashTest(ProgramTest):
+    @classmethod
+    def setUpClass(cls):
+        cls.totals = [0, 0, 0, 0]  # cases, events on disk, events recovered, milliseconds of recovery
+
+    @classmethod
+    def tearDownClass(cls):
+        if "STN_CRASH_TABLE" not in os.environ:
+            return
+        with open(os.environ["STN_CRASH_TABLE"], "a") as table:
+            table.write(f"{cls.__name__}: {cls.totals[0]} cases, {cls.totals[1]} events on disk, "
+                        f"{cls.totals[2]} recovered, {cls.totals[3] / 1000:.0f} s\n")
+
+    def truth(self):
+        """The checksums of the events, taken before any writing."""
+        if not hasattr(CrashTest, "checksums"):
+            self.run_program("CrashWriter", "none", "--events", str(N_EVENTS), "--checksums", "truth.json")
+            CrashTest.checksums = json.loads(self.read("truth.json"))["events"]
+        return CrashTest.checksums
+
+    def write_run(self, *args):
+        """Exit code of a builder that ends itself."""
+        return self.run_program("CrashWriter", "run.root", "--events", str(N_EVENTS), *args)[0]
+
+    def recover(self, name="run.root"):
+        """Recovers a file and requires just what is on disk: no event more, none less, and each as it was."""
+        on_disk = events_on_disk(self.read(name))
+        os.chmod(self.path(name), stat.S_IRUSR)
+        before = hashlib.sha256(self.read(name)).digest(), os.stat(self.path(name)).st_mtime_ns
+        start = time.monotonic()
+        code, output, error = self.run_program("stn-recover", "--force", name, "new.root")
+        self.totals[3] += int(1000 * (time.monotonic() - start))
+        self.assertEqual((hashlib.sha256(self.read(name)).digest(), os.stat(self.path(name)).st_mtime_ns), before)
+        recovered = self.recovered_events(code, output, error)
+        self.totals[0] += 1
+        self.totals[1] += on_disk
+        self.totals[2] += recovered
+        self.assertEqual(recovered, on_disk, error)
+        return recovered
+
+    def recovered_events(self, code, output, error):
+        if "nothing can be recovered" in error or "holds nothing of a station file" in error or "is cut short" in error:
+            self.assertEqual(output, "")
+            return 0
+        self.assertIn(code, (0, 1), error)
+        n_events = int(output.split()[1])
+        code, output, error = self.run_program("stn-verify", "new.root")
+        self.assertEqual((code, error), (0, ""))
+        self.assertEqual(output, f"new.root: {n_events} events can be read, checksum {combine(self.truth()[:n_events])}\n")
+        return n_events
+
+
+class KilledAtRandom(CrashTest):
+    def kill(self, chance, builder):
+        """Starts a builder and kills it after some event and some time, perhaps when it is closing the file."""
+        writer = subprocess.Popen(
+            [os.path.join(BIN, "CrashWriter"), self.path("run.root"), "--events", str(N_EVENTS), *BUILDERS[builder]],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+        )  # fmt: skip
+        wanted = chance.randint(1, N_EVENTS)
+        for line in writer.stdout:
+            if int(line) >= wanted:
+                break
+        time.sleep(chance.uniform(0, 0.02))
+        writer.kill()
+        writer.stdout.close()
+        writer.wait()
+
+    def test_recovers_what_was_on_disk(self):
+        for run in range(RUNS):
+            chance = random.Random(f"{SEED} {run}")
+            builder = list(BUILDERS)[run % len(BUILDERS)]
+            with self.subTest(run=run, builder=builder):
+                self.kill(chance, builder)
+                self.recover()
+                os.remove(self.path("run.root"))
+
+
+class KilledInAWrite(CrashTest):
+    def test_recovers_what_was_on_disk(self):
+        chance = random.Random(f"{SEED} writes")
+        for run in range(RUNS):
+            builder = list(BUILDERS)[run % len(BUILDERS)]
+            end = chance.choice(("kill-before-write", "kill-halfway", "kill-after-write"))
+            at = chance.randint(1, 200)
+            with self.subTest(end=end, at=at, builder=builder):
+                self.assertEqual(self.write_run("--end", end, "--at", str(at), *BUILDERS[builder]), -signal.SIGKILL)
+                self.recover()
+                os.remove(self.path("run.root"))
+
+
+class Cut(CrashTest):
+    def test_recovers_what_is_left(self):
+        self.assertEqual(self.write_run(), 0)
+        whole = self.read("run.root")
+        chance = random.Random(f"{SEED} cuts")
+        for size in [chance.randrange(1, len(whole)) for _ in range(RUNS)]:
+            with self.subTest(size=size):
+                self.write("cut.root", whole[:size])
+                self.recover("cut.root")
+                os.remove(self.path("cut.root"))
+
+
+class Ended(CrashTest):
+    """Other ends than a kill."""
+
+    def test_is_recovered_after_a_signal_between_events(self):
+        for end, number in (("interrupt", signal.SIGINT), ("terminate", signal.SIGTERM), ("abort", signal.SIGABRT)):
+            for at in (1, 150, N_EVENTS):
+                with self.subTest(end=end, at=at):
+                    self.assertEqual(self.write_run("--end", end, "--at", str(at)), -number)
+                    self.recover()
+                    os.remove(self.path("run.root"))
+
+    def test_goes_on_after_an_interrupt_while_an_event_is_written(self):
+        for at in (1, 50, 150):
+            with self.subTest(at=at):
+                self.assertEqual(self.write_run("--end", "interrupt-in-fill", "--at", str(at)), 0)
+                self.assertEqual(self.run_program("stn-check", "run.root")[0], 0)
+                self.assertEqual(self.recover(), N_EVENTS)
+                os.remove(self.path("run.root"))
+
+    def test_closes_the_file_when_the_process_exits(self):
+        for end, code in (("exit", 4), ("exit-in-constructor", 5)):
+            for at in (1, 150):
+                with self.subTest(end=end, at=at):
+                    self.assertEqual(self.write_run("--end", end, "--at", str(at)), code)
+                    self.assertEqual(self.run_program("stn-check", "run.root")[0], 0)
+                    self.assertEqual(self.recover(), at)
+                    os.remove(self.path("run.root"))
+
+
+if __name__ == "__main__":
+    unittest.main()
