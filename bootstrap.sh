@@ -16,6 +16,8 @@ Usage: ./bootstrap.sh COMMAND
           hours; what follows are sources or options: mutate --help
   damage  damage files in every way there is, fail every write and cut the power at every moment; about half an hour
   load    8 processes that write and 8 that read for ten minutes, then memory over thousands of files and events
+  crash   [N] kill an event builder N times (300) at random moments and as often in a write, cut a file as often, and compare
+          what stn-recover brings back with what was on disk; figures in build/crash, about an hour
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
   fuzz SECONDS
           try damaged input on every reader, each of the fuzz targets for so many seconds
@@ -200,6 +202,15 @@ load() {
   (cd build/release/test/faults/MemoryTest.dir && STN_LONG=1 "$OLDPWD/build/release/bin/MemoryTest") || die "memory grew"
 }
 
+crash() { # [N]
+  build_for_trials
+  say "Killing and recovering"
+  mkdir -p build/crash
+  STN_BIN=$PWD/build/release/bin PYTHONPATH=$PWD/tools/test PYTHONDONTWRITEBYTECODE=1 STN_CRASH_RUNS=${1:-300} \
+    STN_CRASH_FIGURES=$PWD/build/crash python3 test/crash/CrashTest.py || die "events were lost or invented"
+  grep . build/crash/*
+}
+
 check() {
   # shellcheck disable=SC2086
   need_packages $BUILD_PACKAGES $TEST_PACKAGES $BENCH_PACKAGES $CHECK_PACKAGES
@@ -251,6 +262,7 @@ case "${1:-}" in
   mutate) mutate "${@:2}" ;;
   damage) damage ;;
   load) load ;;
+  crash) crash "${@:2}" ;;
   check) check ;;
   fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;

@@ -22,9 +22,15 @@ bool IsError(const std::string& line) {
   return tag == "ERR:" || tag == "SEV:" || tag == "FAT:";
 }
 
+// Where a library ends the process, what it said before is still held back.
+void TellLastError() {
+  if (gMessages != nullptr) std::cerr << gMessages->GetFirstError() << std::endl;
+}
+
 }  // namespace
 
 Messages::Messages() : fOuter(gMessages) {
+  [[maybe_unused]] static const int is_registered = std::atexit(TellLastError);
   gMessages = this;
   fRootHandler = SetErrorHandler(HandleRoot);
   auto& logger = VdUtil::ErrorLogger::GetInstance();

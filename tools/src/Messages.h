@@ -11,6 +11,7 @@ namespace StnTools {
 /// Keeps what ROOT and the library's logger say, so that a program can put it into one line of its own. Errors are
 /// held back, warnings of the logger are passed on to the standard error stream, the rest is dropped. The one
 /// that was made last hears everything until its end; then the one before does, or ROOT and the logger write as before.
+/// If the process exits meanwhile, the first error is written to the standard error stream.
 class Messages {
  public:
   Messages();

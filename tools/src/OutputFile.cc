@@ -3,10 +3,32 @@
 #include "FileName.h"
 #include "ToolError.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <filesystem>
 
 namespace StnTools {
+namespace {
+
+// What a signal handler can get at: the name of the file that is being written.
+std::string gPart;
+
+// Only what is safe in a signal handler.
+void RemovePartAndEnd(int signal) {
+  unlink(gPart.c_str());
+  std::signal(signal, SIG_DFL);
+  raise(signal);
+}
+
+// A program that is told to end takes the unfinished file with it, unless it was started so that it does not listen.
+void RemovePartOnSignals(const std::string& part) {
+  gPart = part;
+  for (int signal : {SIGINT, SIGTERM, SIGHUP})
+    if (std::signal(signal, RemovePartAndEnd) == SIG_IGN) std::signal(signal, SIG_IGN);
+}
+
+}  // namespace
 
 OutputFile::OutputFile(const std::string& path, bool force, int compression) : fPath(path) {
   const std::string part = GetRootName(GetPartName(path));
@@ -17,6 +39,7 @@ OutputFile::OutputFile(const std::string& path, bool force, int compression) : f
   std::string name = part + "?reproducible=" + std::filesystem::path(path).filename().string();
   fFile = std::make_unique<TStnEventFile>(name.c_str(), "CREATE", "", compression);
   if (fFile->IsZombie()) Fail(fMessages.GetFirstError(), "choose another place");
+  RemovePartOnSignals(GetPartName(path));
 }
 
 OutputFile::~OutputFile() {

@@ -14,7 +14,7 @@
 namespace StnTools {
 
 /// A new station file, which gets its name only when it is whole: until `Finish` it is called NAME.part, and is removed
-/// if anything goes wrong. Equal contents give equal bytes: the file holds no date and no identity of its own.
+/// if anything goes wrong, also when the user interrupts the program or somebody asks it to end. Equal contents give equal bytes: the file holds no date and no identity of its own.
 ///
 /// Every failure is a `ToolError` with `kCannotWrite` that says why. ROOT goes on after a failed write as if nothing had
 /// happened, so the file's error bit is asked after every step, the last time when it is closed.

@@ -158,6 +158,8 @@ std::int64_t RecordFile::ReadRecordSize(std::uint64_t seek) const {
 std::uint64_t RecordFile::GetFreeSize(std::uint64_t seek) const {
   std::int64_t size = ReadRecordSize(seek);
   if (size >= 0) return 0;
+  // A file that became shorter may have bytes behind its end, which it gave up.
+  if (seek == fFrame.fEnd) return fSize - seek;
   std::uint64_t end = seek + static_cast<std::uint64_t>(-size);
   return end == fSize || ReadRecordSize(end) < 0 || ReadKey(end) ? end - seek : 0;
 }
@@ -170,9 +172,17 @@ std::optional<Record> RecordFile::ReadKey(std::uint64_t seek) const {
   return record;
 }
 
+// Where a key that is not before a place may begin, past a hole in a file that has one there. Its first bytes can be
+// zeros at the end of the hole.
+std::uint64_t RecordFile::SkipHole(std::uint64_t seek) const {
+  off_t data = lseek(fDescriptor, static_cast<off_t>(seek), SEEK_DATA);
+  return data < 0 ? seek
+                  : std::max(seek, static_cast<std::uint64_t>(data) - std::min<std::uint64_t>(data, kLeastKeyBytes));
+}
+
 // The first key at or behind a place, else the end of the file.
 std::uint64_t RecordFile::FindKey(std::uint64_t seek) const {
-  for (; seek + kLeastKeyBytes <= fSize; seek += kScanBytes) {
+  for (seek = SkipHole(seek); seek + kLeastKeyBytes <= fSize; seek = SkipHole(seek + kScanBytes)) {
     std::string bytes = ReadBytes(seek, kScanBytes + kLeastKeyBytes);
     std::uint64_t place = ByteReader(bytes.data() + kSeekOffset, 8).Number(8);
     for (std::uint64_t i = 0; i < kScanBytes && i + kLeastKeyBytes <= bytes.size(); ++i) {

@@ -63,6 +63,7 @@ class RecordFile {
   std::int64_t ReadRecordSize(std::uint64_t seek) const;
   std::uint64_t GetFreeSize(std::uint64_t seek) const;
   bool IsPlausible(std::uint64_t seek) const;
+  std::uint64_t SkipHole(std::uint64_t seek) const;
   std::uint64_t FindKey(std::uint64_t seek) const;
   std::string ReadBytes(std::uint64_t seek, std::uint64_t size) const;
 

@@ -2,8 +2,10 @@ import hashlib
 import os
 import pty
 import resource
+import signal
 import subprocess
 import tempfile
+import time
 import unittest
 
 from programs import BIN, ProgramTest
@@ -145,6 +147,22 @@ class SimulateTest(ProgramTest):
         self.assertEqual(done.returncode, 0)
         self.assertIn(b"] 100 %", shown)
         self.assertTrue(shown.endswith(b"\r" + b" " * 38 + b"\r"))
+
+
+class InterruptTest(ProgramTest):
+    def test_takes_its_unfinished_file_along(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(number):
+                program = subprocess.Popen([os.path.join(BIN, "stn-simulate"), "run.root", "-n", "1000000"], cwd=self.folder)
+                # The first basket of headers is on disk after a few events.
+                while not os.path.exists(self.path("run.root.part")) or os.path.getsize(self.path("run.root.part")) < 2000:
+                    time.sleep(0.05)
+                # While an event is written an interrupt is dropped.
+                while program.poll() is None:
+                    program.send_signal(number)
+                    time.sleep(0.05)
+                self.assertEqual(program.returncode, -number)
+                self.assertEqual(os.listdir(self.folder), [])
 
 
 class FullDiskTest(ProgramTest):

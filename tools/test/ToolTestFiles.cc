@@ -76,14 +76,47 @@ void WriteAltered(const char* out, const char* in) {
   output.Finish();
 }
 
+void AddEvents(TStnEventFile& file, TStnEvent*& event, UInt_t run, UInt_t n_events) {
+  SimulationSettings settings = GetSmallSettings();
+  settings.fRun = run;
+  Simulation simulation(settings);
+  for (UInt_t trigger = 1; trigger <= n_events; ++trigger) {
+    simulation.Simulate(trigger);
+    simulation.Build(*event);
+    file.WriteEvent(&event);
+  }
+}
+
+// Three events of one run and two of another in one tree, and a trailer that tells of six.
+void WriteMixed(const char* out, const char*) {
+  TStnEvent the_event;
+  TStnEvent* event = &the_event;
+  TStnEventFile file(out, "RECREATE");
+  AddEvents(file, event, 1, 3);
+  AddEvents(file, event, 2, 2);
+  TStnRunTrailer trailer;
+  trailer.SetNEvents(6);
+  file.WriteRunTrailer(&trailer);
+}
+
+// Three events of one run, and then a new tree with two of another. The first tree is only taken off the list of keys.
+void WriteTwice(const char* out, const char*) {
+  TStnEvent the_event;
+  TStnEvent* event = &the_event;
+  {
+    TStnEventFile file(out, "RECREATE");
+    AddEvents(file, event, 1, 3);
+  }
+  TStnEventFile file(out, "UPDATE");
+  AddEvents(file, event, 2, 2);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::map<std::string, Writer> writers = {{"foreign", WriteForeign},
-                                                 {"disguised", WriteDisguised},
-                                                 {"unclosed", WriteUnclosed},
-                                                 {"bare", WriteBare},
-                                                 {"altered", WriteAltered}};
+  const std::map<std::string, Writer> writers = {
+      {"foreign", WriteForeign}, {"disguised", WriteDisguised}, {"unclosed", WriteUnclosed}, {"bare", WriteBare},
+      {"altered", WriteAltered}, {"mixed", WriteMixed},         {"twice", WriteTwice}};
   if (argc < 3 || writers.count(argv[1]) == 0) return 2;
   writers.at(argv[1])(argv[2], argc > 3 ? argv[3] : "");
   return 0;
