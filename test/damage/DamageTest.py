@@ -14,7 +14,7 @@ import surgery
 from reader import Reader, judge
 
 BIN = os.environ["STN_BIN"]
-PART = float(os.environ.get("STN_DAMAGE_PART", "0.04"))
+PART = float(os.environ.get("STN_DAMAGE_PART", "0.02"))
 # Their blocks have checksums.
 CHECKED = ("1", "404")
 BEFORE_US = ("bytes of the file's header flipped", "records of other lengths", "two runs mixed", "no station file")
