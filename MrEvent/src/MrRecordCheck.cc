@@ -90,12 +90,15 @@ bool MrRecordCheck::Refuse(const char* field, UInt_t found, const std::string& e
 // ---- Descriptions
 
 const TVirtualStreamerInfo* MrRecordCheck::FindDescription(TClass* cl, Version_t version) {
-  if (version == cl->GetClassVersion()) return cl->GetStreamerInfo();
+  const Info* const todays = cl->GetStreamerInfo();
+  if (version == cl->GetClassVersion()) return todays;
   // Another thread may be opening a file with a version of its own, which makes the table longer.
   R__READ_LOCKGUARD(ROOT::gCoreMutex);
   const TObjArray* descriptions = cl->GetStreamerInfos();
-  if (version < 1 || version >= descriptions->LowerBound() + descriptions->GetSize()) return nullptr;
-  return static_cast<const Info*>(descriptions->At(version));
+  const bool has_place = version >= 1 && version < descriptions->LowerBound() + descriptions->GetSize();
+  const auto* description = has_place ? static_cast<const Info*>(descriptions->At(version)) : nullptr;
+  // A first version that nothing describes is read as if it were today's.
+  return description || version != 1 ? description : todays;
 }
 
 MrRecordCheck::Member MrRecordCheck::DescribeMember(const TStreamerElement& element) {

@@ -38,7 +38,8 @@ class MrRecordCheck {
   bool SkipNumber(const char* field, UInt_t* value);
   bool SkipItems(const char* field, UInt_t count, UInt_t item_size);
 
-  /// The description of a version, of which a file brings those of old versions along; null if there is none.
+  /// The description by which ROOT reads a version, of which a file brings those of old versions along; null if it reads
+  /// none.
   static const TVirtualStreamerInfo* FindDescription(TClass* cl, Version_t version);
 
   /// Reports what does not fit in a record of the class, as all readers of ours do. Always false.

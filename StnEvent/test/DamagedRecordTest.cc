@@ -160,6 +160,13 @@ TEST_F(DamagedRecordTest, PartWithoutAVersionIsRefused) {
   ExpectRefused("TStnGeometryData::Streamer() - version: found 0, expected at least 1");
 }
 
+TEST_F(DamagedRecordTest, PartOfAFirstVersionThatNothingDescribesIsHeldAgainstTodays) {
+  const size_t at = FindRecord(fBytes, "TStnT3Data");
+  Put(fBytes, at, 0x40000000 | 20, 4);
+  Put(fBytes, at + 4, 1, 2);
+  ExpectRefused("TStnT3Data::Streamer() - fSDPPhi: found 0 bytes, expected at least 4");
+}
+
 TEST_F(DamagedRecordTest, PartThatIsTooShortIsRefused) {
   const size_t at = FindRecord(fBytes, "TStnGeometryData");
   Put(fBytes, at, 0x40000000 | 20, 4);
