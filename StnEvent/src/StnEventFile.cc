@@ -144,8 +144,9 @@ TStnEventFile::TStnEventFile(const char* fname, Option_t* option, const char* ft
 TStnEventFile::~TStnEventFile() {
   if (fgPrintLevel > 1) VD_INFO << "TStnEventFile::~TStnEventFile() - " << Address{this} << std::endl;
   if (fTree) TStnEventFile::Close("");
-  const auto entry = std::find(fgFileList.begin(), fgFileList.end(), this);
-  if (entry == fgFileList.end()) return;
+  // A file is entered once. From the end, or a process that has closed many files would pass all their entries here.
+  const auto entry = std::find(fgFileList.rbegin(), fgFileList.rend(), this);
+  if (entry == fgFileList.rend()) return;
   if (fgPrintLevel != 0)
     VD_INFO << "TStnEventFile::~TStnEventFile() - removed " << Address{this} << " from the list !" << std::endl;
   // The node stays: the exit handler may be walking over the list, and erases it then.
