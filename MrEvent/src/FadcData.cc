@@ -188,8 +188,8 @@ void TFADCData::ReadVersion1(MrRecordReader& reader) {
 
 void TFADCData::ReadCurrentVersion(MrRecordReader& reader) {
   reader.ReadObject(this);
-  reader >> fTraceInfo >> fVariance >> fTraceStartTime >> fFirst >> fNWords >> fNNear >> fFirstWideHigh >> fNWideHigh >>
-      fNWide >> fNFar >> fPixelWord >> fPrevThreshold >> fActualThreshold >> fActualRate >> fMean >> fBase;
+  reader.ReadValues(fTraceInfo, fVariance, fTraceStartTime, fFirst, fNWords, fNNear, fFirstWideHigh, fNWideHigh, fNWide,
+                    fNFar, fPixelWord, fPrevThreshold, fActualThreshold, fActualRate, fMean, fBase);
   if (!CheckCounts(reader)) return;
   fWideHigh = reader.ReadBytes("fWideHigh", fNWideHigh);
   fWideLow = reader.ReadBytes("fWideLow", fNWide);

@@ -67,6 +67,7 @@ class MrRecordCheck {
   bool SkipString(const char* field);
   bool SkipRecord();
   bool SkipRecord(TClass* cl);
+  bool SkipNull();
   bool SkipPointer(TClass* cl);
   bool SkipTraces();
   TClass* ReadClass();

@@ -1,6 +1,7 @@
 #ifndef MrEvent_MrRecordReader_h
 #define MrEvent_MrRecordReader_h
 
+#include <Bytes.h>
 #include <Rtypes.h>
 #include <TBuffer.h>
 
@@ -35,6 +36,15 @@ class MrRecordReader {
   MrRecordReader& operator>>(T& value) {
     if (HasBytes("end of record", sizeof(T))) fBuffer >> value;
     return *this;
+  }
+
+  /// Reads several basic values, one after the other; all stay as they are when the record has not all of them.
+  template <class... T>
+  void ReadValues(T&... values) {
+    if (!HasBytes("end of record", (... + sizeof(T)))) return;
+    char* bytes = fBuffer.Buffer() + fBuffer.Length();
+    (frombuf(bytes, &values), ...);
+    fBuffer.SetBufferOffset(bytes - fBuffer.Buffer());
   }
 
   /// Checks a count that was read: 0 to `limit`.
