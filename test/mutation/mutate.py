@@ -81,7 +81,7 @@ class Tests:
             properties = {p["name"]: p["value"] for p in test.get("properties", [])}
             library = os.path.relpath(properties.get("WORKING_DIRECTORY", build), build).split(os.sep)[0]
             is_program = test["name"].endswith("Test") and library in LIBRARIES + ("test",)
-            is_script = test["name"] in ("GoldenFile", "Oracle") and not with_sanitizers
+            is_script = re.fullmatch(r"GoldenFile\..*|Oracle", test["name"]) and not with_sanitizers
             is_built = "command" in test
             if is_built and (is_program or is_script) and self.seconds[test["name"]] <= longest:
                 environment = dict(line.split("=", 1) for line in properties.get("ENVIRONMENT", []))
