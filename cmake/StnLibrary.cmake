@@ -32,8 +32,6 @@ function(stn_library name)
                              $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_link_libraries(${name} PUBLIC ${ARG_LINK})
   stn_compile_options(${name})
-  # Nobody puts functions of their own in the place of ours, so calls inside a library can be made in line.
-  target_compile_options(${name} PRIVATE -fno-semantic-interposition)
 
   if(ARG_LINKDEF)
     root_generate_dictionary(${name}Dict ${ARG_HEADERS} MODULE ${name} LINKDEF ${ARG_LINKDEF} NO_CXXMODULE)
