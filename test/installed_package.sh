@@ -36,7 +36,7 @@ check "CMake package" "$event" by-cmake/consumer
 if [[ -e $lib/libStnFrame.so ]]; then
   check "data frames" "1 entries, mean event number 77" by-cmake/frame
 fi
-check "autoloading" "TStnEvent 5; TFADCData 1; VdRoot::TTimeStamp 1; " \
+check "autoloading" "TStnEvent 5; TFADCData 2; VdRoot::TTimeStamp 1; " \
   env LD_LIBRARY_PATH="$lib" LD_PRELOAD="${PRELOAD:-}" by-cmake/autoload
 by-cmake/builder
 check "README examples" "10: 0 pixels" by-cmake/analyst

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -212,11 +213,13 @@ TYPED_TEST(MirrorClass, AssignmentAndClearLeaveTheObjectPart) {
 }
 
 TEST(MrEvent, EachClassHasItsVersion) {
-  for (const char* name : {"TMirrorEvent", "TMirrorEventHeader", "TMirrorPixelData", "TMirrorPixelList",
-                           "TMirrorFADCData", "TFADCData", "TMirrorRunTrailer"}) {
+  const std::pair<const char*, Version_t> versions[] = {
+      {"TMirrorEvent", 1},    {"TMirrorEventHeader", 1}, {"TMirrorPixelData", 1}, {"TMirrorPixelList", 1},
+      {"TMirrorFADCData", 1}, {"TFADCData", 2},          {"TMirrorRunTrailer", 1}};
+  for (const auto& [name, version] : versions) {
     TClass* cl = TClass::GetClass(name);
     ASSERT_NE(cl, nullptr) << name;
-    EXPECT_EQ(cl->GetClassVersion(), 1) << name;
+    EXPECT_EQ(cl->GetClassVersion(), version) << name;
     EXPECT_TRUE(cl->InheritsFrom("TObject")) << name;
     EXPECT_TRUE(cl->HasDefaultConstructor()) << name;
   }

@@ -74,7 +74,7 @@ TEST_F(StnEntryCheckTest, SoundFileIsReadWithoutAWord) {
 
 TEST_F(StnEntryCheckTest, TracesThatGoOnBehindTheirEntryAreLeftOut) {
   Damage("TStnFADCData", -8, kByteCountFlag | 30000);
-  ExpectLeftOut("fFADCData", "TStnFADCData::Streamer() - byte count of object: found 30000, expected 4 to 6459");
+  ExpectLeftOut("fFADCData", "TStnFADCData::Streamer() - byte count of object: found 30000, expected 4 to 6495");
   EXPECT_EQ(fEvent->GetFADCData()->GetNTraces(), 0U);
   EXPECT_EQ(fEvent->GetEventHeader()->GetEventNo(), 11U);
   EXPECT_EQ(fEvent->GetPixelList()->GetNumPixels(), 3U);

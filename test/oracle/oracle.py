@@ -676,7 +676,8 @@ class Oracle:
             pixels.streamer_version, count = version, reader.position - offset - 4
             self.say("ERR", "TStnPixelList::Streamer() - version == 1 not streamable !")
         elif count > left:
-            self.say("ERR", f"TStnPixelList::Streamer() - byte count: found {count}, expected at most {left}")
+            self.say("ERR", f"TStnPixelList::Streamer() - byte count: found {count}, expected at most {left}"
+                     ", record skipped")
             count = left
         else:
             self.read_list(pixels, reader, version)
@@ -694,7 +695,7 @@ class Oracle:
         most = (len(reader.data) - reader.position) // 4
         if size > most:
             return self.say("ERR", f"TStnPixelList::Streamer() - fPixelVectorSize: found {size}, expected at most "
-                            f"{most}")
+                            f"{most}, record skipped")
         if version == 2:
             self.note("INF", "TStnPixelList::Streamer() - fix for version= 2 !")
         pixels.streamer_version, pixels.stn, pixels.count, pixels.size = version, stn, number, size
