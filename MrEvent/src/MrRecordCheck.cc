@@ -211,7 +211,7 @@ bool MrRecordCheck::SkipMember(const Member& member, const Members& members, std
     case Member::kObject:
       return SkipObject();
     case Member::kNumbers:
-      return Skip(name, member.fLength * member.fSize);
+      return Skip(name, ULong64_t(member.fLength) * member.fSize);
     case Member::kCount:
       counts.emplace_back(&member, 0);
       return SkipNumber(name, &counts.back().second);

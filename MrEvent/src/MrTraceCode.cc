@@ -29,10 +29,10 @@ UShort_t GetMedian(UShort_t a, UShort_t b, UShort_t c) { return std::max(std::mi
 UShort_t GetTypicalWord(const UShort_t* words, UInt_t n) {
   constexpr UInt_t kNProbes = 27;
   UShort_t probes[kNProbes];
-  for (UInt_t i = 0; i < kNProbes; ++i)
+  for (size_t i = 0; i < kNProbes; ++i)
     probes[i] = words[i * n / kNProbes];
-  for (UInt_t left = kNProbes / 3; left > 0; left /= 3)
-    for (UInt_t i = 0; i < left; ++i)
+  for (size_t left = kNProbes / 3; left > 0; left /= 3)
+    for (size_t i = 0; i < left; ++i)
       probes[i] = GetMedian(probes[3 * i], probes[3 * i + 1], probes[3 * i + 2]);
   return probes[0];
 }
@@ -58,19 +58,19 @@ UShort_t GetLevel(const UShort_t* words, UInt_t n) {
   return lowest + (2 * sum + count) / (2 * count);
 }
 
-void PackNear(const UShort_t* __restrict words, UInt_t n_pairs, UShort_t nearest, UChar_t* __restrict halves) {
+void PackNear(const UShort_t* __restrict words, size_t n_pairs, UShort_t nearest, UChar_t* __restrict halves) {
   UChar_t near[MrTraceCode::kNWords];
-  for (UInt_t i = 0; i < 2 * n_pairs; ++i)
+  for (size_t i = 0; i < 2 * n_pairs; ++i)
     near[i] = std::min<UShort_t>(words[i] - nearest, kFull);
-  for (UInt_t i = 0; i < n_pairs; ++i) {
+  for (size_t i = 0; i < n_pairs; ++i) {
     UShort_t pair;
     std::memcpy(&pair, near + 2 * i, sizeof(pair));
     halves[i] = pair | pair >> 4;
   }
 }
 
-void UnpackNear(const UChar_t* __restrict halves, UInt_t n_pairs, UShort_t nearest, UShort_t* __restrict words) {
-  for (UInt_t i = 0; i < n_pairs; ++i) {
+void UnpackNear(const UChar_t* __restrict halves, size_t n_pairs, UShort_t nearest, UShort_t* __restrict words) {
+  for (size_t i = 0; i < n_pairs; ++i) {
     words[2 * i] = nearest + halves[i] % 16;
     words[2 * i + 1] = nearest + halves[i] / 16;
   }
@@ -87,13 +87,13 @@ UInt_t ToFar(UShort_t difference) {
 /// The difference of a far half byte.
 constexpr UChar_t kFromFar[] = {50, 51, 52, 53, 54, 55, 56, 72, 73, 74, 75, 76, 77, 78, 79};
 
-void PackHalves(const UChar_t* __restrict from, UInt_t n_bytes, UChar_t* __restrict halves) {
-  for (UInt_t i = 0; i < n_bytes; ++i)
+void PackHalves(const UChar_t* __restrict from, size_t n_bytes, UChar_t* __restrict halves) {
+  for (size_t i = 0; i < n_bytes; ++i)
     halves[i] = from[2 * i] | from[2 * i + 1] << 4;
 }
 
-void UnpackHalves(const UChar_t* __restrict halves, UInt_t n_bytes, UChar_t* __restrict to) {
-  for (UInt_t i = 0; i < n_bytes; ++i) {
+void UnpackHalves(const UChar_t* __restrict halves, size_t n_bytes, UChar_t* __restrict to) {
+  for (size_t i = 0; i < n_bytes; ++i) {
     to[2 * i] = halves[i] % 16;
     to[2 * i + 1] = halves[i] / 16;
   }
