@@ -3,7 +3,6 @@
 #include <MrEvent/FadcData.h>
 #include <VdUtil/ErrorLogger.h>
 
-#include <TBuffer.h>
 #include <TClass.h>
 #include <TDataType.h>
 #include <TObjArray.h>
@@ -169,13 +168,6 @@ const MrRecordCheck::Members& MrRecordCheck::GetMembers(const TVirtualStreamerIn
 // ---- Bytes
 
 // Most significant byte first, as ROOT writes numbers, and at any address.
-UInt_t MrRecordCheck::Peek2(UInt_t position) const {
-  const auto* bytes = reinterpret_cast<const UChar_t*>(fBuffer.Buffer()) + position;
-  return bytes[0] << 8 | bytes[1];
-}
-
-UInt_t MrRecordCheck::Peek4(UInt_t position) const { return Peek2(position) << 16 | Peek2(position + 2); }
-
 bool MrRecordCheck::Has(const char* field, ULong64_t n_bytes) const {
   const UInt_t left = fEnd > fPosition ? fEnd - fPosition : 0;
   if (n_bytes <= left) return true;
@@ -235,15 +227,15 @@ bool MrRecordCheck::SkipMember(const Member& member, const Members& members, std
 /// id if the flag word says that the object is referenced.
 bool MrRecordCheck::SkipObject() {
   if (!Has("TObject", 10)) return false;
-  const UInt_t frame = Peek2(fPosition) & kByteCountVMask ? 6 : 2;
+  const UInt_t frame = Peek<UShort_t>(fPosition) & kByteCountVMask ? 6 : 2;
   if (!Has("TObject", frame + 8)) return false;
-  const bool is_referenced = Peek4(fPosition + frame + 4) & TObject::kIsReferenced;
+  const bool is_referenced = Peek<UInt_t>(fPosition + frame + 4) & TObject::kIsReferenced;
   return Skip("TObject", frame + 8 + (is_referenced ? 2 : 0));
 }
 
 bool MrRecordCheck::SkipNumber(const char* field, UInt_t* value) {
   if (!Skip(field, 4)) return false;
-  *value = Peek4(fPosition - 4);
+  *value = Peek<UInt_t>(fPosition - 4);
   return true;
 }
 
@@ -278,13 +270,13 @@ bool MrRecordCheck::SkipRecord(TClass* cl) {
 /// Byte count, version and members. What the byte count covers beyond them ROOT passes over.
 bool MrRecordCheck::SkipRecord() {
   if (!Has("frame", 6)) return false;
-  const UInt_t count = Peek4(fPosition) ^ kByteCountMask;
+  const UInt_t count = Peek<UInt_t>(fPosition) ^ kByteCountMask;
   const UInt_t most = fEnd - fPosition - 4;
   if (count < 2 || count > most) return Refuse("byte count", count, "2 to " + std::to_string(most));
   const UInt_t end = fPosition + 4 + count;
   if (!ChecksItself(fClass)) {
     const During<UInt_t> record(fEnd, end);
-    const auto version = static_cast<Version_t>(Peek2(fPosition + 4));
+    const auto version = static_cast<Version_t>(Peek<UShort_t>(fPosition + 4));
     if (version < 1) return Refuse(fClass, "version", std::to_string(version), "at least 1");
     fPosition += 6;
     if (!SkipMembers(version)) return false;
@@ -295,7 +287,7 @@ bool MrRecordCheck::SkipRecord() {
 
 /// The four zeros of a pointer to nothing, which most slots of an array of traces hold.
 bool MrRecordCheck::SkipNull() {
-  const bool is_null = fPosition + 4 <= fEnd && Peek4(fPosition) == kNullTag;
+  const bool is_null = fPosition + 4 <= fEnd && Peek<UInt_t>(fPosition) == kNullTag;
   if (is_null) fPosition += 4;
   return is_null;
 }
@@ -306,7 +298,7 @@ bool MrRecordCheck::SkipPointer(TClass* cl) {
   if (!Has("object", 4)) return false;
   if (SkipNull()) return true;
   if (!Has("object", 8)) return false;
-  const UInt_t count = Peek4(fPosition) ^ kByteCountMask;
+  const UInt_t count = Peek<UInt_t>(fPosition) ^ kByteCountMask;
   const UInt_t most = fEnd - fPosition - 4;
   if (count < 4 || count > most) return Refuse("byte count of object", count, "4 to " + std::to_string(most));
   const UInt_t end = fPosition + 4 + count;
@@ -320,7 +312,7 @@ bool MrRecordCheck::SkipPointer(TClass* cl) {
 
 /// The class of an object, which stands there by its name or by where its name stood before; null if it can't be there.
 TClass* MrRecordCheck::ReadClass() {
-  const UInt_t tag = Peek4(fPosition);
+  const UInt_t tag = Peek<UInt_t>(fPosition);
   if (tag == kNewClassTag) return ReadNewClass();
   TClass* cl = tag & kClassMask ? FindSeenClass((tag & ~kClassMask) + fBuffer.GetBufferDisplacement()) : nullptr;
   if (!cl || !cl->InheritsFrom(fClass)) {
@@ -363,7 +355,7 @@ TClass* MrRecordCheck::FindSeenClass(UInt_t tag) const {
 bool MrRecordCheck::SkipTraces() {
   const During<TClass*> array(fClass, TObjArray::Class());
   if (!Has("frame", 6)) return false;
-  const UInt_t version = Peek4(fPosition) & kByteCountMask ? Peek2(fPosition + 4) : 0;
+  const UInt_t version = Peek<UInt_t>(fPosition) & kByteCountMask ? Peek<UShort_t>(fPosition + 4) : 0;
   if (version != kArrayVersion) return Refuse("version", version, std::to_string(kArrayVersion));
   fPosition += 6;
   UInt_t size = 0;

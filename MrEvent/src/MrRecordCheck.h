@@ -1,13 +1,14 @@
 #ifndef MrEvent_MrRecordCheck_h
 #define MrEvent_MrRecordCheck_h
 
+#include <Bytes.h>
 #include <Rtypes.h>
+#include <TBuffer.h>
 
 #include <string>
 #include <utility>
 #include <vector>
 
-class TBuffer;
 class TClass;
 class TStreamerElement;
 class TVirtualStreamerInfo;
@@ -55,8 +56,13 @@ class MrRecordCheck {
   static Members Describe(const TVirtualStreamerInfo& description);
   static const Members& GetMembers(const TVirtualStreamerInfo& description);
 
-  UInt_t Peek2(UInt_t position) const;
-  UInt_t Peek4(UInt_t position) const;
+  template <class T>
+  T Peek(UInt_t position) const {
+    char* bytes = fBuffer.Buffer() + position;
+    T value;
+    frombuf(bytes, &value);
+    return value;
+  }
   bool Has(const char* field, ULong64_t n_bytes) const;
   bool Skip(const char* field, ULong64_t n_bytes);
   bool Refuse(const char* field, UInt_t found, const std::string& expected) const;
