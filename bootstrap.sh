@@ -19,6 +19,7 @@ Usage: ./bootstrap.sh COMMAND
   crash   [N] kill an event builder N times (300) at random moments and as often in a write, cut a file as often, and compare
           what stn-recover brings back with what was on disk; figures in build/crash, about an hour
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
+  docs    build the handbook and the C++ reference in build/site, to be opened at build/site/index.html
   fuzz SECONDS
           try damaged input on every reader, each of the fuzz targets for so many seconds
 Each installs what it needs (Debian packages as root, ROOT into .venv unless ROOT_DIR or thisroot.sh names one)
@@ -244,6 +245,22 @@ check() {
     --exclude '.*/test/.*' --exclude-throw-branches --fail-under-line 95 build/sanitize || die "less than 95 % of the lines are covered"
 }
 
+# The handbook and the C++ reference; whatever is missing or wrong in them is an error.
+docs() {
+  # shellcheck disable=SC2086
+  need_packages python3 python3-venv $DOCS_PACKAGES
+  # shellcheck disable=SC2086
+  need_python $DOCS_PYTHON
+  say "Handbook"
+  NO_MKDOCS_2_WARNING=1 .venv/bin/mkdocs build --quiet --clean || die "the handbook has faults"
+  say "C++ reference"
+  STN_VERSION=$(sed -n 's/^project(StnEvent VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+  export STN_VERSION
+  doxygen docs/Doxyfile || die "the C++ reference has faults: see the operations named above"
+  python3 test/docs/check_site.py build/site || die "the handbook has links that lead nowhere"
+  say "Results are in build/site/index.html"
+}
+
 # Random input for every reader: from the inputs in test/fuzz/corpus, each target for so many seconds, two at a time.
 fuzz() {
   [[ ${1:-} =~ ^[0-9]+$ ]] || die "fuzz needs a number of seconds"
@@ -265,6 +282,7 @@ case "${1:-}" in
   load) load ;;
   crash) crash "${@:2}" ;;
   check) check ;;
+  docs) docs ;;
   fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;
   *)
