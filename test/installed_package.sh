@@ -54,4 +54,4 @@ for name in StnEvent=2 MrEvent=4 VdUtil=1; do
   done
   [[ $(readlink "$lib/$library.so") == "$library.so.${name#*=}" ]] || die "$library has the wrong soname"
 done
-[[ $("$scratch/prefix/bin/stn-show" --version) == *2.1.100* ]] || die "stn-show is not installed, or of another version"
+[[ $("$scratch/prefix/bin/stn-show" --version) == "stn-show (StnEvent "* ]] || die "stn-show is not installed"
