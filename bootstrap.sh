@@ -19,6 +19,7 @@ Usage: ./bootstrap.sh COMMAND
   crash   [N] kill an event builder N times (300) at random moments and as often in a write, cut a file as often, and compare
           what stn-recover brings back with what was on disk; figures in build/crash, about an hour
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
+  package make a Debian package in build/package that brings the ROOT libraries it needs along, and look into it
   docs    build the handbook and the C++ reference in build/site, to be opened at build/site/index.html
   fuzz SECONDS
           try damaged input on every reader, each of the fuzz targets for so many seconds
@@ -245,6 +246,18 @@ check() {
     --exclude '.*/test/.*' --exclude-throw-branches --fail-under-line 95 build/sanitize || die "less than 95 % of the lines are covered"
 }
 
+package() {
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $PACKAGE_PACKAGES
+  find_root
+  build release -DBUILD_TESTING=OFF
+  say "Packing"
+  rm -f build/package/stnevent_*.deb
+  (cd build/release && cpack > ../cpack.log 2>&1) || die "cpack failed: see build/cpack.log"
+  test/package_test.sh build/package/stnevent_*.deb || die "the package lacks something"
+  say "The package is $(ls build/package/stnevent_*.deb); try it on a bare machine: test/package_test.sh --bare build/package/*.deb"
+}
+
 # The handbook and the C++ reference; whatever is missing or wrong in them is an error.
 docs() {
   # shellcheck disable=SC2086
@@ -282,6 +295,7 @@ case "${1:-}" in
   load) load ;;
   crash) crash "${@:2}" ;;
   check) check ;;
+  package) package ;;
   docs) docs ;;
   fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;

@@ -119,10 +119,12 @@ def run_scripts(blocks, folder):
 
 
 def run_page(page, handbook, folder):
-    run(["stn-simulate", "--events", "40", "run.root"], "the simulated run", folder)
     commands = {"sh": lambda block: ["bash", "-euc", block.code], "cpp": lambda block: [handbook, block.name]}
     scripts, count = [], 0
-    for block in read_blocks(page):
+    blocks = read_blocks(page)
+    if blocks:
+        run(["stn-simulate", "--events", "40", "run.root"], "the simulated run", folder)
+    for block in blocks:
         if block.reason:
             print(f"{block.place}: not run: {block.reason}")
             continue
