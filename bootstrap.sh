@@ -250,7 +250,7 @@ package() {
   # shellcheck disable=SC2086
   need_packages $BUILD_PACKAGES $PACKAGE_PACKAGES
   find_root
-  build release -DBUILD_TESTING=OFF
+  build release -DBUILD_TESTING=OFF -DSTN_BUILD_BENCH=OFF
   say "Packing"
   rm -f build/package/stnevent_*.deb
   (cd build/release && cpack > ../cpack.log 2>&1) || die "cpack failed: see build/cpack.log"
