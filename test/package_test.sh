@@ -42,15 +42,20 @@ try_on_bare() { # PACKAGE
   cp /etc/resolv.conf /etc/hosts "$root/etc/"
   cp -r /etc/apt/apt.conf.d "$root/etc/apt/"
   cp "$1" "$root/tmp/stnevent.deb"
+  cp "$(dirname "$0")/consumer/consumer.cc" "$root/tmp/"
   chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive bash -euxc '
     cd /tmp
     apt-get update -q
+    ! dpkg -s stnevent > /dev/null 2>&1 || apt-get remove -y -q stnevent
     apt-get install -y -q --no-install-recommends ./stnevent.deb
     stn-simulate --force --events 50 --checksums sums.json run.root
-    stn-check run.root
+    [[ $(stn-check run.root 2>&1) == "run.root: sound, 50 events can be read" ]]
     stn-headers --count 3 run.root
     stn-verify run.root --checksums sums.json
     stn-show --event 0 run.root > shown.txt
+    apt-get install -y -q --no-install-recommends pkg-config
+    g++ consumer.cc -o consumer $(pkg-config --cflags --libs StnEvent)
+    [[ $(./consumer 2>&1) == "station 2, event 77, "* ]]
     head -c 900000 run.root > broken.root
     stn-recover --force --partial broken.root saved.root || [ $? = 1 ]
     apt-get remove -y -q stnevent
