@@ -20,6 +20,8 @@ Usage: ./bootstrap.sh COMMAND
           what stn-recover brings back with what was on disk; figures in build/crash, about an hour
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
   package make a Debian package in build/package that brings the ROOT libraries it needs along, and look into it
+  compilers
+          build everything with clang, and with g++ as C++20, warnings as errors, and run all tests of both
   docs    build the handbook and the C++ reference in build/site, to be opened at build/site/index.html
   fuzz SECONDS
           try damaged input on every reader, each of the fuzz targets for so many seconds
@@ -258,6 +260,19 @@ package() {
   say "The package is $(ls build/package/stnevent_*.deb); try it on a bare machine: test/package_test.sh --bare build/package/*.deb"
 }
 
+compilers() {
+  # shellcheck disable=SC2086
+  need_packages $BUILD_PACKAGES $TEST_PACKAGES $FUZZ_PACKAGES
+  find_root
+  # shellcheck disable=SC2086
+  need_python $TEST_PYTHON
+  local preset
+  for preset in clang cxx20; do
+    build "$preset" -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
+    run_tests "$preset"
+  done
+}
+
 # The handbook and the C++ reference; whatever is missing or wrong in them is an error.
 docs() {
   # shellcheck disable=SC2086
@@ -296,6 +311,7 @@ case "${1:-}" in
   crash) crash "${@:2}" ;;
   check) check ;;
   package) package ;;
+  compilers) compilers ;;
   docs) docs ;;
   fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;
