@@ -4,6 +4,7 @@ In our headers a `///` block speaks of every declaration down to the next blank 
 and destructors have nothing to tell.
 """
 
+import pathlib
 import re
 import sys
 
@@ -16,7 +17,13 @@ def with_trailing_text(line):
     return re.sub(r"(\S.*[;,])(\s+)//(?!/)!? ", r"\1\2///< ", line)
 
 
-def filtered(lines):
+def name_for_users(path):
+    """How a header is included: without the folder of the sources."""
+    library = {"root": "VdRoot"}.get(path.parent.name, path.parent.parent.name)
+    return f"{library}/{path.name}"
+
+
+def filtered(lines, path):
     block, depth, is_shared = [], 0, False
     for line in lines:
         code = re.sub(r'"[^"]*"|//.*', "", line)
@@ -27,10 +34,13 @@ def filtered(lines):
         elif not line.strip() or line.startswith("#") or line.strip() in ("public:", "protected:", "private:"):
             block, is_shared = [], False
         elif depth == 0 and not line.strip().startswith("//"):
-            if is_shared and block and DECLARATION_AHEAD.match(line):
-                yield from block
-            elif not block and re.match(r"\s+(virtual )?~", line):
+            is_destructor = re.match(r"\s+(virtual )?~", line)
+            if is_destructor and (is_shared or not block):
                 yield "/// Destructor.\n"
+            elif is_shared and block and DECLARATION_AHEAD.match(line):
+                yield from block
+            elif re.match(r"class \w+[^;]*$", line):
+                yield f"/// @headerfile {path.name} <{name_for_users(path)}>\n"
             is_shared = not re.match(r"\s*(class|struct|enum|union|namespace)\b", line)
             if not is_shared:
                 block = []
@@ -40,5 +50,6 @@ def filtered(lines):
         yield with_trailing_text(line)
 
 
-with open(sys.argv[1], encoding="utf-8") as header:
-    sys.stdout.writelines(filtered(header))
+path = pathlib.Path(sys.argv[1])
+with open(path, encoding="utf-8") as header:
+    sys.stdout.writelines(filtered(header, path))
