@@ -250,12 +250,13 @@ check() {
 
 package() {
   # shellcheck disable=SC2086
-  need_packages $BUILD_PACKAGES $PACKAGE_PACKAGES
+  need_packages $BUILD_PACKAGES
   find_root
   build release -DBUILD_TESTING=OFF -DSTN_BUILD_BENCH=OFF
   say "Packing"
   rm -f build/package/stnevent_*.deb
   (cd build/release && cpack > ../cpack.log 2>&1) || die "cpack failed: see build/cpack.log"
+  rm -rf build/package/_CPack_Packages
   test/package_test.sh build/package/stnevent_*.deb || die "the package lacks something"
   say "The package is $(ls build/package/stnevent_*.deb); try it on a bare machine: test/package_test.sh --bare build/package/*.deb"
 }

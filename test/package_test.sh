@@ -30,6 +30,7 @@ stn_version() { sed -n 's/^project(StnEvent VERSION \([0-9.]*\).*/\1/p' "$(dirna
 unmount() { umount -l "$root/proc" "$root/dev" 2> /dev/null || true; }
 
 make_bare() { # in $root
+  command -v debootstrap > /dev/null || die "install debootstrap, or name a folder with a bare Debian by STN_BARE"
   debootstrap --variant=minbase --include=ca-certificates bookworm "$root" > "$root.log" 2>&1 || die "see $root.log"
 }
 
