@@ -2,6 +2,7 @@
 # Looks into the Debian package: test/package_test.sh PACKAGE. With --bare before it the package is installed on a Debian 12
 # that has nothing else, and its programs write and read a run there; as root, in some minutes, with the network.
 set -euo pipefail
+project=$(dirname "$(dirname "$(readlink -f "$0")")")
 
 die() {
   echo "package_test.sh: $*" >&2
@@ -11,8 +12,8 @@ die() {
 look_into() { # PACKAGE
   local list name
   list=$(dpkg-deb --contents "$1" | awk '{ print $6 }')
-  for name in simulate show headers verify check recover; do
-    for file in "bin/stn-$name" "share/man/man1/stn-$name.1" "share/bash-completion/completions/stn-$name"; do
+  for name in $(sed -n 's/^foreach(program \(.*\))/\1/p' "$project/tools/CMakeLists.txt"); do
+    for file in "bin/$name" "share/man/man1/$name.1" "share/bash-completion/completions/$name"; do
       grep -qxE "\./usr/$file(\.gz)?" <<< "$list" || die "$file is not in the package"
     done
   done
@@ -25,7 +26,7 @@ look_into() { # PACKAGE
   echo "$1: $(wc -l <<< "$list") files, $(du -h "$1" | cut -f1), $(dpkg-deb --field "$1" Installed-Size) kB installed"
 }
 
-stn_version() { sed -n 's/^project(StnEvent VERSION \([0-9.]*\).*/\1/p' "$(dirname "$0")/../CMakeLists.txt"; }
+stn_version() { sed -n 's/^project(StnEvent VERSION \([0-9.]*\).*/\1/p' "$project/CMakeLists.txt"; }
 
 unmount() { umount -l "$root/proc" "$root/dev" 2> /dev/null || true; }
 
@@ -43,7 +44,7 @@ try_on_bare() { # PACKAGE
   cp /etc/resolv.conf /etc/hosts "$root/etc/"
   cp -r /etc/apt/apt.conf.d "$root/etc/apt/"
   cp "$1" "$root/tmp/stnevent.deb"
-  cp "$(dirname "$0")/consumer/consumer.cc" "$root/tmp/"
+  cp "$project/test/consumer/consumer.cc" "$root/tmp/"
   chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive bash -euxc '
     cd /tmp
     apt-get update -q
