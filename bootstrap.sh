@@ -268,7 +268,8 @@ compilers() {
   # shellcheck disable=SC2086
   need_python $TEST_PYTHON
   local preset
-  # ROOT's headers warn, by #warning, of a standard that is not the one that ROOT was built with: -Wno-cpp in the preset.
+  # The preset of C++20 lets two warnings through: ROOT's #warning of a standard that it was not built with (cpp), and a false
+  # one of g++ 12 about sums of texts (restrict, GCC bug 105329).
   for preset in clang cxx20; do
     build "$preset" -DBUILD_TESTING=ON -DSTN_WARNINGS_AS_ERRORS=ON
     run_tests "$preset"
