@@ -27,6 +27,7 @@ class TFADCData : public TObject {
 
   /// Monitoring values of the pixel.
   struct _PixelMonitorDataRec {
+    /// Threshold before and now, trigger rate, mean and variance, in the mirror's own units.
     unsigned int fPrevThreshold;
     unsigned int fActualThreshold;
     unsigned int fActualRate;
@@ -36,7 +37,10 @@ class TFADCData : public TObject {
 
   /// First and last bin, and an FADCTraceResolution. The fields can be reached directly or through fBits.
   union _FADCTraceInfoRec {
+    /// The whole word.
     UInt_t fWord;
+
+    /// The fields by name.
     struct {
       UInt_t fStartBin : 12;
       UInt_t fEndBin : 12;
@@ -53,7 +57,10 @@ class TFADCData : public TObject {
 
   /// One sample and its flags. The fields can be reached directly or through fBits.
   union _FADCDataWordRec {
+    /// The whole word.
     UShort_t fWord;
+
+    /// The fields by name.
     struct {
       UShort_t fData : 12;
       UShort_t fUnused1 : 1;
@@ -72,6 +79,8 @@ class TFADCData : public TObject {
 
   /// The data of a trace.
   struct _FADCDataRec {
+    /// The pixel, its monitoring values, the bins that the trace has, its start as the mirror gave it, and the words of
+    /// the bins.
     _PixelNumber fPixelNumber;
     _PixelMonitorDataRec fMonitor;
     _FADCTraceInfoRec fTraceInfo;

@@ -19,6 +19,7 @@ class TMirrorFADCData : public TObject {
 
   /// The data: the trace of a pixel at its number in the mirror less 1, null for a pixel without one.
   struct _MirrorFADCDataRec {
+    /// Number of traces, and where they are.
     UInt_t fNumTraces;
     _FADCDataRec* fTrace[VdUtil::Vd::kMI_NEXTPIXELS];
   };

@@ -20,6 +20,7 @@ class TMirrorPixelData : public TObject {
 
   /// The data. Bit s % 32 of fTrigger[n - 1][s / 32] is slice s of the pixel with number n in its mirror.
   struct _MirrorPixelDataRec {
+    /// A word without meaning, station and mirror, and the slices.
     UInt_t fUnused;
     _MirrorNumber fMirrorNumber;
     UInt_t fTrigger[VdUtil::Vd::kMI_NEXTPIXELS][kNWords];

@@ -15,6 +15,7 @@ class TMirrorPixelList : public TObject {
  public:
   /// The data: the count, and room for fCapacity entries.
   struct _MirrorPixelListRec {
+    /// Number of entries, number of entries that there is room for, and where they are.
     UInt_t fNumPixels;
     UInt_t fCapacity;
     _PixelNumber* fPixels;

@@ -52,6 +52,7 @@ class TMirrorEventHeader : public TObject {
 #ifdef __ROOTCLING__
     UInt_t fMirrorNumber;  // station and mirror number
 #else
+    /// Station and mirror number.
     _MirrorNumber fMirrorNumber;
 #endif
     EMrEventLabel fEventLabel;   // label of the event

@@ -16,6 +16,7 @@ class TMirrorRunTrailer : public TObject {
 #ifdef __ROOTCLING__
     UInt_t fMirrorNumber;  // station and mirror number
 #else
+    /// Station and mirror number.
     _MirrorNumber fMirrorNumber;
 #endif
     UInt_t fRunNo;               // run number

@@ -8,6 +8,7 @@
 /// A place for trigger information in events and files. It holds nothing yet.
 class TStnTriggerData : public TObject {
  public:
+  /// An empty record, whatever it is made from.
   TStnTriggerData();
   TStnTriggerData(const TStnTriggerData& rhs);
   /// Copies nothing.

@@ -420,7 +420,7 @@ TEST(StnEventDeathTest, AssertsThatThereIsAnEventToCorrect) {
         gSystem->ResetSignals();
         TStnEvent::DoCorrections(nullptr);
       },
-      "StnEvent/src/StnEvent.cc:[0-9]+: static void TStnEvent::DoCorrections\\(TStnEvent\\*\\): Assertion `event != "
+      "StnEvent/src/StnEvent.cc:[0-9]+: static void TStnEvent::DoCorrections\\(TStnEvent ?\\*\\): Assertion `event != "
       "__null' failed");
 }
 

@@ -306,7 +306,7 @@ TEST(StnRunTrailerDeathTest, AssertsThatThereIsAMirrorsTrailer) {
         gSystem->ResetSignals();
         TStnRunTrailer().AddMirrorRunTrailer(nullptr, 1);
       },
-      "StnEvent/src/StnRunTrailer.cc:[0-9]+: void TStnRunTrailer::AddMirrorRunTrailer\\(const TMirrorRunTrailer\\*, "
+      "StnEvent/src/StnRunTrailer.cc:[0-9]+: void TStnRunTrailer::AddMirrorRunTrailer\\(const TMirrorRunTrailer ?\\*, "
       "unsigned int\\): Assertion `trailer != __null' failed");
 }
 

@@ -28,7 +28,9 @@ class ErrorLogger : public Singleton<ErrorLogger> {
     eShowClassName = 32,
     eShowFuncName = 64
   };
+  /// How bad it is, from the least to the worst.
   enum ESeverityLevel { eDebug = -1, eInfo = 0, eWarning = 1, eError = 2, eCritical = 3, eSevere = 4, eFatal = 5 };
+  /// Whether `Log` writes the severity as a word; the default is what `SetVerbosity` was given.
   enum EVerbosityLevel { eDefaultVerbosity = -1, eTerse = 0, eVerbose = 1 };
 
   /// The stream for a message of this severity: below the threshold one that swallows everything. Never unusable.
@@ -41,6 +43,7 @@ class ErrorLogger : public Singleton<ErrorLogger> {
     return text.str();
   }
 
+  /// Whether the option is on.
   bool IsOptionSet(ELoggingOption option) const { return (fLoggingOption & option) != 0; }
   /// Switches one option on or off; the others stay.
   void SetOption(ELoggingOption option, bool on = true);
@@ -55,6 +58,7 @@ class ErrorLogger : public Singleton<ErrorLogger> {
   /// Verbosity of the `Log` calls that don't name one; `eDefaultVerbosity` is `eTerse`.
   void SetVerbosity(EVerbosityLevel verbosity);
 
+  /// The threshold, and the verbosity of `Log` calls that don't name one.
   ESeverityLevel GetLoggingLevel() const { return fLoggingLevel; }
   EVerbosityLevel GetVerbosity() const { return fVerbosity; }
   /// Severity as a word, as "Warning"; "Unknown" for a value that is none.

@@ -20,15 +20,18 @@ namespace VdUtil {
 /// Any number of threads may convert at a time, but not while a table is being read.
 class TimeConvert {
  public:
+  /// One line of the table of leap seconds.
   struct _LeapSecondEntryRec {
     UInt_t fGPSTime;       // GPS second from which the entry holds
     UInt_t fNLeapSeconds;  // leap seconds in force from then on
   };
+  /// The same under another name.
   typedef _LeapSecondEntryRec LeapSecondEntryRec;
 
   /// The Unix second of the GPS epoch.
   static constexpr UInt_t kGPSEpoch = 315964800;
 
+  /// The Unix second of a GPS second, and the other way round, by the leap seconds of the table.
   static UInt_t GetUnixTimeFromGPSTime(UInt_t gps);
   static UInt_t GetGPSTimeFromUnixTime(UInt_t unix_time);
   /// The Unix second of now.

@@ -13,10 +13,12 @@ class VdGeometry {
  public:
   /// Direction of a camera's axis.
   struct _CameraPointingRec {
+    /// What `CalculateHash` gave, then the angles.
     unsigned int fHashValue;
     double fAzimuth;    // degrees
     double fElevation;  // degrees
 
+    /// A direction, in degrees, with its hash.
     _CameraPointingRec() : _CameraPointingRec(0, 0) {}
     _CameraPointingRec(double azimuth, double elevation);
     /// Sets `fHashValue` from the two angles, and gives it: equal directions have equal values.
@@ -25,6 +27,7 @@ class VdGeometry {
 
   /// Place of a station: angles in degrees, altitudes in metres above sea level.
   struct _StnGeometryRec {
+    /// As above, in this order: longitude, latitude, altitude by GPS, altitude of the floor.
     double fLongitude;
     double fLatitude;
     double fGPSAltitude;

@@ -45,6 +45,7 @@ class Vd {
       unsigned int fBit1 : 1;      // spare flag
     } fBits;
 
+    /// The number 0, or a copy of the low 16 bits.
     _VdPixelNumber() : fPixelNumber(0) {}
     _VdPixelNumber(const _VdPixelNumber& other) : fPixelNumber(other.fPixelNumber) {}
     /// The installation pixel of a pixel with station and mirror, as `GetVdPixelNumber` gives it.
