@@ -7,6 +7,7 @@ import dataclasses
 import functools
 import glob
 import os
+import pickle
 import uuid
 import warnings
 from collections.abc import Callable, Iterable, Iterator, Mapping
@@ -16,6 +17,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 from numpy.typing import NDArray
 
+from stnevent import _apart
 from stnevent.errors import StnEventError
 from stnevent.file import File, open
 from stnevent.progress import track
@@ -34,7 +36,7 @@ class Failure:
 
     file: str
     reason: str
-    """What was raised, or that the process ended."""
+    """What was raised, or how the process ended."""
 
 
 @dataclasses.dataclass(frozen=True)
@@ -49,7 +51,7 @@ class Results:
     """What reading the other files warned of, as that events at the end of a file are lost."""
 
     def array(self) -> ak.Array:
-        """The rows as an Awkward array, all in memory."""
+        """The rows as an Awkward array with a field for each column, all in memory."""
         import awkward as ak
 
         return ak.from_arrow(self.dataset.to_table())
@@ -132,40 +134,25 @@ def _run_here(tasks: list[Task]) -> Iterator[tuple[int, _Outcome]]:
 
 
 def _run_on_cluster(client: Any, tasks: list[Task]) -> Iterator[tuple[int, _Outcome]]:
-    """Outcomes as they come. A worker that ends takes its other tasks along, which are then blamed with the one that was at
-    fault: whoever was blamed too often is tried again alone."""
-    suspects: list[int] = []
-    for index, outcome in _gather(client, tasks, range(len(tasks))):
-        if outcome is None:
-            suspects.append(index)
-        else:
-            yield index, outcome
-    for suspect in suspects:
-        for index, outcome in _gather(client, tasks, [suspect]):
-            yield index, outcome or _Outcome(None, "the worker process ended while it was at this file")
-
-
-def _gather(client: Any, tasks: list[Task], indices: Iterable[int]) -> Iterator[tuple[int, _Outcome | None]]:
-    """None for a task that several workers did not survive, or whose result was lost with its worker."""
+    """Outcomes as they come."""
+    import cloudpickle
     from distributed import as_completed
 
     scan = uuid.uuid4().hex
-    futures = {client.submit(tasks[i], key=f"stnevent-{scan}-{i}", pure=False): i for i in indices}
+    # Apart from the worker: Dask does a worker's other tasks again when it ends, blames them too, and can wait forever.
+    pickled = [cloudpickle.dumps(task) for task in tasks]
+    futures = {client.submit(_apart.run, task, key=f"stnevent-{scan}-{i}", pure=False): i for i, task in enumerate(pickled)}
     for future in as_completed(list(futures)):
         yield futures[future], _outcome(future)
         future.release()
 
 
-def _outcome(future: Any) -> _Outcome | None:
-    from distributed import CancelledError, KilledWorker
-
+def _outcome(future: Any) -> _Outcome:
     try:
-        outcome: _Outcome = future.result()
-        return outcome
-    except (KilledWorker, CancelledError):
-        return None
-    except Exception as error:  # of the cluster, as that a worker lacks a package: those of the function are in the outcome
-        return _Outcome(None, f"{type(error).__name__}: {error}")
+        found: _Outcome | Exception = pickle.loads(future.result())
+    except Exception as error:  # of the cluster, as that it lacks a package: those of the function are in the outcome
+        found = error
+    return found if isinstance(found, _Outcome) else _Outcome(None, f"{type(found).__name__}: {found}")
 
 
 def _names(files: Files) -> list[str]:
@@ -220,8 +207,11 @@ def scan(
     row if these are single numbers), an Awkward array of records, or a pyarrow table. With `folder`, each worker writes them
     there as one Parquet file for each file, so that results can be larger than memory; the folder must be new or empty.
 
-    A file that can't be read, a function that raises, and a file that ends its worker are in `failures` of the result, with
-    the name of the file, and do not stop the rest.
+    A file that can't be read, a function that raises, and on a cluster a file that ends its process are in `failures` of the
+    result, with the name of the file, and do not stop the rest; a UserWarning tells how many there are.
+
+    Raises FileNotFoundError if no file matches the pattern, FileExistsError if the folder is not empty, and ImportError
+    without pyarrow.
     """
     _require_cluster_packages()
     names = _names(files)
@@ -232,7 +222,8 @@ def scan(
     ordered = [outcomes[index] for index in range(len(tasks))]
     failures = tuple(Failure(name, each.reason) for name, each in zip(names, ordered) if each.reason is not None)
     if failures:
-        warnings.warn(f"{len(failures)} of {len(names)} files failed, the first: {failures[0].file}: {failures[0].reason}", stacklevel=2)
+        first = f"{failures[0].file}: {failures[0].reason}"
+        warnings.warn(f"{len(failures)} of {len(names)} files failed, the first: {first}", stacklevel=2)
     noted = tuple(warning for each in ordered for warning in each.warnings)
     return Results(_dataset([each.table for each in ordered if each.table is not None]), failures, noted)
 
@@ -243,6 +234,6 @@ def _headers(run: File) -> dict[str, NDArray[Any]]:
 
 
 def headers(files: Files, client: Any = None, folder: str | os.PathLike[str] | None = None) -> Results:
-    """The headers of all events of these files: the columns of `File.headers`, and `entry`, the number of the event in its
-    file. Arguments and failures are those of `scan`."""
+    """The headers of all events of these files, one row for each: the columns of `File.headers`, `entry`, the number of the
+    event in its file, and `file`. Arguments, failures and exceptions are those of `scan`."""
     return scan(files, _headers, client, folder)
