@@ -12,7 +12,7 @@ namespace {
 
 using namespace StnTools;
 
-const PictureSize kFigure = {1400, 1900};
+const PictureSize kFigure = {1400, 2250};
 
 struct Options {
   std::string fInput;

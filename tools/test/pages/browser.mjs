@@ -63,17 +63,15 @@ export class Page {
   }
 
   /** Opens a file; `size` is that of the window, `dark` and `touch` what the user has. */
-  async visit(file, { width = 1280, height = 900, dark = false, touch = false, hash = '' } = {}) {
-    this.url = pathToFileURL(file).href + hash;
+  async visit(file, { width = 1280, height = 900, dark = false, touch = false } = {}) {
+    this.url = pathToFileURL(file).href;
     await this.send('Emulation.setDeviceMetricsOverride', { width, height, deviceScaleFactor: 1, mobile: touch });
     await this.send('Emulation.setTouchEmulationEnabled', { enabled: touch });
     await this.send('Emulation.setEmulatedMedia', { features: [{ name: 'prefers-color-scheme', value: dark ? 'dark' : 'light' }] });
     this.problems = [];
-    await this.send('Page.navigate', { url: 'about:blank' });
     const loaded = new Promise((resolve) => { this.loaded = resolve; });
     await this.send('Page.navigate', { url: this.url });
     await loaded;
-    if ((await this.ask('location.protocol')) === 'about:') await new Promise((resolve) => { this.loaded = resolve; });
   }
 
   /** The value of an expression in the page. */
@@ -115,7 +113,7 @@ export class Page {
   }
 
   async picture(file) {
-    const { cssContentSize: { width, height } } = await this.send('Page.getLayoutMetrics');
+    const [width, height] = await this.ask('[innerWidth, document.documentElement.scrollHeight]');
     const { data } = await this.send('Page.captureScreenshot', { captureBeyondViewport: true, clip: { x: 0, y: 0, width, height, scale: 1 } });
     await writeFile(file, Buffer.from(data, 'base64'));
   }
