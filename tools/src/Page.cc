@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <iostream>
@@ -53,6 +54,8 @@ void WritePage(const std::string& path, bool force, const std::string& page) {
   }
   RequireNewName(path, force);
   RemovePart(path);
+  // A limit on the size of files shall come as an error, like a full disk, and not end the process.
+  std::signal(SIGXFSZ, SIG_IGN);
   std::ofstream file(GetPartName(path));
   file << page;
   file.close();

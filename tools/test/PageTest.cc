@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -86,4 +88,16 @@ TEST(PageTest, SaysThatAPlaceCannotBeWritten) {
                  "nowhere/page.html could not be written (No such file or directory) and was not kept; choose another "
                  "place");
   }
+}
+
+TEST(PageTest, APageThatIsNotWholeIsNotKept) {
+  std::remove("large.html");
+  rlimit before = {};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit small = {1000, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  EXPECT_THROW(WritePage("large.html", false, std::string(100000, ' ')), ToolError);
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_FALSE(std::ifstream("large.html"));
+  EXPECT_FALSE(std::ifstream("large.html.part"));
 }
