@@ -127,6 +127,29 @@ describe('a page of events', { skip }, () => {
     assert.equal(new Set(seen).size, 4);
   });
 
+  test('colours leave out what lies far outside, if there are enough others', async () => {
+    await visit();
+    assert.deepEqual(await page.ask('usualRange([0, 40, 41, 42, 43, 44, 45, 200])'), [40, 45]);
+    assert.deepEqual(await page.ask('usualRange([0, 40, 41, 42, 43, 44, 200])'), [0, 200]);
+    assert.deepEqual(await page.ask('usualRange([7])'), [6.5, 7.5]);
+  });
+
+  test('pixels beyond the colours are counted', async () => {
+    await visit();
+    assert.equal(await text('#scale-note'), '2 pixels beyond the ends of the bar');
+    await page.ask('event().pixels[0].trace.time = 1e9; drawCameras()');
+    assert.equal(await text('#scale-note'), '3 pixels beyond the ends of the bar');
+  });
+
+  test('pixels without a value are grey and counted', async () => {
+    await visit();
+    await page.ask('event().pixels[0].trace.time = null; event().pixels[1].trace = null; drawCameras()');
+    assert.match(await text('#scale-note'), /2 pixels in grey: no trigger bin$/);
+    assert.equal(await page.ask("document.querySelector('.pixel').getAttribute('fill')"), 'var(--unknown)');
+    await page.click('[data-pixel="1994"]');
+    assert.equal(await text('#trace'), 'There is no trace of this pixel.');
+  });
+
   test('the brightest pixel has the last colour of the palette', async () => {
     await visit();
     await page.click('input[value=signal]');
