@@ -63,7 +63,7 @@ void WriteBare(const char* out, const char*) {
   file.Finish();
 }
 
-// Eight events with all pixels of six mirrors in traces of 2000 bins.
+// Four times one event with all pixels of six mirrors in traces of 2000 bins.
 void WriteFull(const char* out, const char*) {
   SimulationSettings settings = SimulationSettings::Heavy();
   settings.fPixels = VdUtil::Vd::kMI_NEXTPIXELS;
@@ -71,7 +71,7 @@ void WriteFull(const char* out, const char*) {
   simulation.Simulate(1);
   OutputFile file(out, true, 1);
   simulation.Build(file.GetEvent());
-  for (int i = 0; i < 8; ++i)
+  for (int i = 0; i < 4; ++i)
     file.WriteEvent();
   file.Finish();
 }
