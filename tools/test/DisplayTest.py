@@ -99,9 +99,9 @@ class DisplayTest(Pictures, InputRefusals, PageTest):
 
     def test_tells_what_it_shows(self):
         self.simulate("run.root", "-n", "3")
-        page = self.page_of("run.root", "-e", "1", "-n", "1")
-        self.assertEqual((page["file"], page["eventsOnFile"], page["asked"]), ("run.root", 3, 1))
-        self.assertEqual(page["events"][0]["header"]["fEventNumber"], 2)
+        page = self.page_of("run.root", "-e", "2", "-n", "1")
+        self.assertEqual((page["file"], page["eventsOnFile"], page["asked"]), ("run.root", 3, 2))
+        self.assertEqual(page["events"][0]["header"]["fEventNumber"], 3)
 
     def test_refuses_an_event_behind_the_last(self):
         self.simulate("run.root", "-n", "3")
