@@ -20,7 +20,9 @@ class ReportTest(Pictures, InputRefusals, PageTest):
         self.simulate("run.root", "-n", "20")
         whole = self.page_of("run.root")["summary"]
         headers = self.page_of("run.root", "--headers")["summary"]
-        self.assertEqual(headers["occupancy"], {"events": 0, "counts": [0] * 2880})
+        # Numbers, as a list of so many that differ takes unittest minutes to describe.
+        self.assertEqual((headers["occupancy"]["events"], sum(headers["occupancy"]["counts"])), (0, 0))
+        self.assertGreater(sum(whole["occupancy"]["counts"]), 0)
         del whole["occupancy"], headers["occupancy"]
         self.assertEqual(headers, whole)
 
