@@ -63,6 +63,19 @@ void WriteBare(const char* out, const char*) {
   file.Finish();
 }
 
+// Four times one event with all pixels of six mirrors in traces of 2000 bins.
+void WriteFull(const char* out, const char*) {
+  SimulationSettings settings = SimulationSettings::Heavy();
+  settings.fPixels = VdUtil::Vd::kMI_NEXTPIXELS;
+  Simulation simulation(settings);
+  simulation.Simulate(1);
+  OutputFile file(out, true, 1);
+  simulation.Build(file.GetEvent());
+  for (int i = 0; i < 4; ++i)
+    file.WriteEvent();
+  file.Finish();
+}
+
 // The same events, but for one count in one sample of the second event.
 void WriteAltered(const char* out, const char* in) {
   InputFile input("ToolTestFiles", in);
@@ -116,7 +129,7 @@ void WriteTwice(const char* out, const char*) {
 int main(int argc, char** argv) {
   const std::map<std::string, Writer> writers = {
       {"foreign", WriteForeign}, {"disguised", WriteDisguised}, {"unclosed", WriteUnclosed}, {"bare", WriteBare},
-      {"altered", WriteAltered}, {"mixed", WriteMixed},         {"twice", WriteTwice}};
+      {"full", WriteFull},       {"altered", WriteAltered},     {"mixed", WriteMixed},       {"twice", WriteTwice}};
   if (argc < 3 || writers.count(argv[1]) == 0) return 2;
   writers.at(argv[1])(argv[2], argc > 3 ? argv[3] : "");
   return 0;
