@@ -2,6 +2,8 @@
 
 import os
 import signal
+import sys
+import types
 import warnings
 
 import awkward as ak
@@ -12,7 +14,6 @@ import stnevent
 from conftest import SOURCE
 
 pa = pytest.importorskip("pyarrow")
-dask = pytest.importorskip("dask")
 distributed = pytest.importorskip("distributed")
 
 FILES = [str(SOURCE / "test" / f"{name}.root") for name in ("golden/run", "old/golden/header-9", "old/golden/event-5")]
@@ -20,9 +21,7 @@ FILES = [str(SOURCE / "test" / f"{name}.root") for name in ("golden/run", "old/g
 
 @pytest.fixture(scope="module")
 def client():
-    # One death is enough: a new worker process takes its time.
     with (
-        dask.config.set({"distributed.scheduler.allowed-failures": 0}),
         distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as cluster,
         distributed.Client(cluster) as client,
     ):
@@ -93,16 +92,34 @@ def test_what_the_function_raises_is_told_with_the_file(client):
     assert results.array()["n"].to_list() == [5, 3]
 
 
-def test_a_file_that_ends_its_worker_is_named_and_no_other(client):
+def test_files_that_end_their_process_are_named_and_the_others_are_read(tmp_path, client):
+    files = [str(tmp_path / f"{index}.root") for index in range(12)]
+    for file in files:
+        os.symlink(FILES[0], file)
+    bad = [files[1], files[2], files[7]]
+
     def crash(run):
-        if run.path == FILES[1]:
+        if run.path in bad:
             os.kill(os.getpid(), signal.SIGKILL)
         return {"n": len(run)}
 
-    results = some_scan(FILES, crash, client)
-    assert {failure.file for failure in results.failures} == {FILES[1]}
-    assert results.failures[0].reason == "the worker process ended while it was at this file"
-    assert results.array()["n"].to_list() == [5, 3]
+    results = some_scan(files, crash, client)
+    reason = "ProcessEnded: the process that read this file was ended by SIGKILL"
+    assert results.failures == tuple(stnevent.Failure(file, reason) for file in bad)
+    assert results.array()["file"].to_list() == [file for file in files if file not in bad]
+
+
+def test_a_function_that_exits_fails_with_its_file(client):
+    results = some_scan(FILES[:1], lambda run: sys.exit(3), client)
+    assert results.failures[0].reason == "ProcessEnded: the process that read this file was ended with 3"
+
+
+def test_a_function_that_workers_can_not_import_fails_with_its_file(monkeypatch, client):
+    module = types.ModuleType("only_here")
+    exec("def count(run): return {'n': len(run)}", module.__dict__)
+    monkeypatch.setitem(sys.modules, "only_here", module)
+    results = some_scan(FILES[:1], module.count, client)
+    assert results.failures[0].reason == "ModuleNotFoundError: No module named 'only_here'"
 
 
 def test_results_that_are_no_rows_are_failures():
@@ -152,7 +169,7 @@ def test_workers_load_the_library_once(client):
         return {"process": os.getpid(), "loads": _library.library.cache_info().misses}
 
     found = stnevent.scan(FILES * 4, process, client).array()
-    assert set(found["process"].to_list()) <= {worker["pid"] for worker in client.run(lambda: {"pid": os.getpid()}).values()}
+    assert len(set(found["process"].to_list())) <= len(client.run(os.getpid))
     assert set(found["loads"].to_list()) == {1}
 
 

@@ -2,6 +2,7 @@
 
 import subprocess
 import sys
+import zlib
 
 import awkward as ak
 import numpy as np
@@ -85,6 +86,46 @@ def test_a_damaged_header_names_file_branch_and_entry():
     assert str(error.value) == f"{UNREADABLE}: entry 1: {expected}"
 
 
+def with_a_changed_byte(folder, branch, place):
+    """A copy of a file in which a byte of the first basket of a branch is another; the place of it from the basket's size."""
+    source, path = GOLDEN / "run.root", folder / "damaged.root"
+    found = tree_of(source)[branch]
+    raw = bytearray(source.read_bytes())
+    raw[found.member("fBasketSeek")[0] + place(found.member("fBasketBytes")[0])] ^= 0xFF
+    path.write_bytes(raw)
+    return path
+
+
+def with_a_damaged_basket(folder, branch):
+    return with_a_changed_byte(folder, branch, lambda size: size - 20)
+
+
+@pytest.mark.parametrize("branch", ["fEventHeader", "fFADCData", "fPixelList", "fPixelData"])
+def test_a_basket_that_can_not_be_unpacked_names_file_branch_and_entries(tmp_path, branch):
+    path = with_a_damaged_basket(tmp_path, branch)
+    last = tree_of(path)[branch].entry_offsets[1] - 1
+    with pytest.raises(stnevent.StnEventError) as error:
+        tree_of(path)[branch].array()
+    place = f"{path}: entry 0: {branch}: the basket of entries 0 to {last} can't be unpacked (error: Error -"
+    assert str(error.value).startswith(place)
+    assert str(error.value).endswith("; copy or write the file again")
+
+
+def test_another_number_of_entries_in_a_basket_is_told(tmp_path):
+    key_length = tree_of(GOLDEN / "run.root")["fPixelList"].basket_key(0).fKeylen
+    path = with_a_changed_byte(tmp_path, "fPixelList", lambda size: key_length - 6)  # the last byte of fNevBuf
+    with pytest.raises(stnevent.StnEventError) as error:
+        tree_of(path)["fPixelList"].array()
+    reason = "fPixelList: entries of the basket: found 5, expected 250; copy or write the file again"
+    assert str(error.value) == f"{path}: entry 0: {reason}"
+
+
+def test_damage_of_other_branches_is_told_by_uproot(tmp_path):
+    path = with_a_damaged_basket(tmp_path, "fTriggerData")
+    with pytest.raises(zlib.error):
+        tree_of(path)["fTriggerData"].array(interpretation=AsBinary())
+
+
 def test_another_kind_of_array_is_refused():
     with pytest.raises(TypeError, match="fPixelList is read as Awkward arrays only: leave library='np' out"):
         tree_of(GOLDEN / "run.root")["fPixelList"].array(library="np")
@@ -136,6 +177,12 @@ TRACE_FRAME = b"TFADCData\0\x40\x00"
 def test_a_damaged_frame_of_a_header_is_told(new, reason):
     entries = replaced(entries_of("fEventHeader"), 2, HEADER_FRAME, new)
     assert damage_of(decode_headers, entries) == (2, reason)
+
+
+def test_an_entry_that_ends_outside_its_basket_is_told():
+    entries = entries_of("fEventHeader")
+    entries.stops[2] = 10**9
+    assert damage_of(decode_headers, entries) == (2, f"end of the entry: found 1000000000, expected 0 to {len(entries.data)}")
 
 
 def test_a_damaged_time_of_a_header_is_told():

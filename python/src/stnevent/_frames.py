@@ -146,6 +146,7 @@ class Entries:
         indices = np.flatnonzero(~self.is_null)
         starts, stops = self.starts[indices], self.stops[indices]
         sizes = stops - starts
+        require((starts >= 0) & (stops <= len(self.data)), indices, "end of the entry", stops, f"0 to {len(self.data)}")
         require(sizes >= pointer.itemsize, indices, "entry", sizes, f"at least {pointer.itemsize} bytes")
         pointers = records(self.data, starts, pointer)
         counts = pointers["count"].astype(np.int64) - BYTE_COUNT

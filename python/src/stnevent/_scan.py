@@ -7,6 +7,7 @@ import dataclasses
 import functools
 import glob
 import os
+import pickle
 import uuid
 import warnings
 from collections.abc import Callable, Iterable, Iterator, Mapping
@@ -16,6 +17,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 from numpy.typing import NDArray
 
+from stnevent import _apart
 from stnevent.errors import StnEventError
 from stnevent.file import File, open
 from stnevent.progress import track
@@ -34,7 +36,7 @@ class Failure:
 
     file: str
     reason: str
-    """What was raised, or that the process ended."""
+    """What was raised, or how the process ended."""
 
 
 @dataclasses.dataclass(frozen=True)
@@ -132,40 +134,25 @@ def _run_here(tasks: list[Task]) -> Iterator[tuple[int, _Outcome]]:
 
 
 def _run_on_cluster(client: Any, tasks: list[Task]) -> Iterator[tuple[int, _Outcome]]:
-    """Outcomes as they come. A worker that ends takes its other tasks along, which are then blamed with the one that was at
-    fault: whoever was blamed too often is tried again alone."""
-    suspects: list[int] = []
-    for index, outcome in _gather(client, tasks, range(len(tasks))):
-        if outcome is None:
-            suspects.append(index)
-        else:
-            yield index, outcome
-    for suspect in suspects:
-        for index, outcome in _gather(client, tasks, [suspect]):
-            yield index, outcome or _Outcome(None, "the worker process ended while it was at this file")
-
-
-def _gather(client: Any, tasks: list[Task], indices: Iterable[int]) -> Iterator[tuple[int, _Outcome | None]]:
-    """None for a task that several workers did not survive, or whose result was lost with its worker."""
+    """Outcomes as they come."""
+    import cloudpickle
     from distributed import as_completed
 
     scan = uuid.uuid4().hex
-    futures = {client.submit(tasks[i], key=f"stnevent-{scan}-{i}", pure=False): i for i in indices}
+    # Apart from the worker: Dask does a worker's other tasks again when it ends, blames them too, and can wait forever.
+    pickled = [cloudpickle.dumps(task) for task in tasks]
+    futures = {client.submit(_apart.run, task, key=f"stnevent-{scan}-{i}", pure=False): i for i, task in enumerate(pickled)}
     for future in as_completed(list(futures)):
         yield futures[future], _outcome(future)
         future.release()
 
 
-def _outcome(future: Any) -> _Outcome | None:
-    from distributed import CancelledError, KilledWorker
-
+def _outcome(future: Any) -> _Outcome:
     try:
-        outcome: _Outcome = future.result()
-        return outcome
-    except (KilledWorker, CancelledError):
-        return None
-    except Exception as error:  # of the cluster, as that a worker lacks a package: those of the function are in the outcome
-        return _Outcome(None, f"{type(error).__name__}: {error}")
+        found: _Outcome | Exception = pickle.loads(future.result())
+    except Exception as error:  # of the cluster, as that it lacks a package: those of the function are in the outcome
+        found = error
+    return found if isinstance(found, _Outcome) else _Outcome(None, f"{type(found).__name__}: {found}")
 
 
 def _names(files: Files) -> list[str]:
