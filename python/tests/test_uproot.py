@@ -276,3 +276,10 @@ with open("/proc/self/maps") as maps:
     assert "libCore" not in maps.read()
 """
     subprocess.run([sys.executable, "-c", program, GOLDEN / "run.root"], check=True)
+
+
+def test_headers_of_today_are_as_their_description_says(monkeypatch):
+    by_table = tree_of(GOLDEN / "run.root")["fEventHeader"].array()
+    monkeypatch.setattr(_headers_on_file, "_TODAYS_VERSION", None)
+    by_description = tree_of(GOLDEN / "run.root")["fEventHeader"].array()
+    assert by_table.tolist() == by_description.tolist()

@@ -44,8 +44,9 @@ class _AsPart(CustomInterpretation):  # type: ignore[misc]
 
     @classmethod
     def match_branch(cls, branch: Any, context: dict[str, Any], simplify: bool) -> bool:
-        streamer = branch.streamer
-        return branch.name == cls.branch_name and streamer is not None and streamer.typename == f"{cls.class_name}*"
+        # Not asked for the branch's streamer: uproot would read all class descriptions of the file, which takes longer than
+        # reading the headers of a short run.
+        return bool(branch.name == cls.branch_name and branch.member("fClassName", none_if_missing=True) == "TStnEvent")
 
     @property
     def typename(self) -> str:
