@@ -32,6 +32,6 @@ for mirror in range(6):
         print(f"mirror {mirror + 1}: dead for {100 * fraction[-1]:.2f} % of the run")
 dead.set_xlabel("time since the start of the run [minutes]")
 dead.set_ylabel("dead time so far [%]")
-dead.set_ylim(bottom=0)
+dead.set_ylim(0, 1.2 * dead.get_ylim()[1])
 dead.legend(ncols=3, loc="lower right")
 plt.savefig("rate_and_dead_time.png")

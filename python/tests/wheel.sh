@@ -39,5 +39,10 @@ with stnevent.open("build/demo/run.root") as run:
     assert run.by_number(4).traces().pixel.tolist() == run.by_number(4).pixels().tolist()
 # The interpreter of ROOT finds the headers in the wheel, also after the library was used.
 assert stnevent.root().TStnEventHeader.kTicksPerSecond == 80000000
+# So does that of the data frames.
+import stnevent.rdf
+
+frame = stnevent.rdf.header_columns(stnevent.root().RDataFrame("StnEventTree", "build/demo/run.root"))
+assert frame.Sum["UInt_t"]("fEventNumber").GetValue() == 15
 EOF
 echo "the wheel works"

@@ -137,7 +137,7 @@ def library() -> ctypes.PyDLL:
 @functools.cache
 def root() -> Any:
     """PyROOT's module `ROOT` with the classes of station files (`TStnEvent`, `TStnEventFile`, ...) loaded, for those who
-    want the C++ classes themselves."""
+    want the C++ classes themselves. ImportError if the libraries don't fit this package."""
     library()
     import ROOT
 

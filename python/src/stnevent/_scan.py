@@ -51,7 +51,7 @@ class Results:
     """What reading the other files warned of, as that events at the end of a file are lost."""
 
     def array(self) -> ak.Array:
-        """The rows as an Awkward array, all in memory."""
+        """The rows as an Awkward array with a field for each column, all in memory."""
         import awkward as ak
 
         return ak.from_arrow(self.dataset.to_table())
@@ -207,8 +207,11 @@ def scan(
     row if these are single numbers), an Awkward array of records, or a pyarrow table. With `folder`, each worker writes them
     there as one Parquet file for each file, so that results can be larger than memory; the folder must be new or empty.
 
-    A file that can't be read, a function that raises, and a file that ends its worker are in `failures` of the result, with
-    the name of the file, and do not stop the rest.
+    A file that can't be read, a function that raises, and on a cluster a file that ends its process are in `failures` of the
+    result, with the name of the file, and do not stop the rest; a UserWarning tells how many there are.
+
+    Raises FileNotFoundError if no file matches the pattern, FileExistsError if the folder is not empty, and ImportError
+    without pyarrow.
     """
     _require_cluster_packages()
     names = _names(files)
@@ -230,6 +233,6 @@ def _headers(run: File) -> dict[str, NDArray[Any]]:
 
 
 def headers(files: Files, client: Any = None, folder: str | os.PathLike[str] | None = None) -> Results:
-    """The headers of all events of these files: the columns of `File.headers`, and `entry`, the number of the event in its
-    file. Arguments and failures are those of `scan`."""
+    """The headers of all events of these files, one row for each: the columns of `File.headers`, `entry`, the number of the
+    event in its file, and `file`. Arguments, failures and exceptions are those of `scan`."""
     return scan(files, _headers, client, folder)

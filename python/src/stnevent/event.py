@@ -22,7 +22,8 @@ _N_SLICES = 100
 
 
 class Event:
-    """One event. It is only a place in its file: each part is read when it is asked for, and is the caller's then."""
+    """One event. It is only a place in its file: each part is read when it is asked for, and is the caller's then. What
+    can't be read raises StnEventError, and ValueError once the file is closed."""
 
     def __init__(self, file: File, entry: int) -> None:
         self.file = file
@@ -34,7 +35,7 @@ class Event:
 
     @property
     def header(self) -> np.record:
-        """The header: one row of `File.headers`, read without the rest of the event."""
+        """The header: one row of `File.headers`, with its columns and units, read without the rest of the event."""
         row = np.zeros(1, records.HEADER)
         self.file._fill_headers(self.entry, row)
         header: np.record = row.view(np.recarray)[0]
@@ -48,6 +49,7 @@ class Event:
         `threshold_changed`, a flag for each of these; `n_bins`, how many bins the whole digitised time has; `time`,
         corrected time of the first sample, from which each bin is 100 ns later (NaT without a time of the mirror);
         `start_time`, `prev_threshold`, `actual_threshold`, `actual_rate`, `mean` and `variance` as the mirror gave them.
+        Lists of a trace have `end_bin - start_bin + 1` elements; samples are in ADC counts, 0 to 4095.
         """
         import awkward as ak
 
@@ -64,11 +66,12 @@ class Event:
         return ak.Array(ak.contents.RecordArray(columns + lists, [*names, "samples", *flags]))
 
     def pixels(self) -> NDArray[np.int32]:
-        """Station pixel numbers, 1 to 2880, of the pixels that took part, in ascending order."""
+        """Station pixel numbers, 1 to 2880, of the pixels that took part, in ascending order, in one dimension."""
         return self.file._read_pixels(self.entry)
 
     def triggers(self) -> ak.Array:
-        """The triggered pixels: `pixel`, station pixel number, and `slices`, its trigger bits in 100 time slices."""
+        """The triggered pixels, one record for each: `pixel`, station pixel number, and `slices`, its trigger bits in 100
+        time slices, an array of n x 100 truth values for n pixels."""
         import awkward as ak
 
         found = self.file._read_triggers(self.entry)

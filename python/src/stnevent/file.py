@@ -114,7 +114,7 @@ class Events(Sequence[Event]):
 
     @property
     def entries(self) -> NDArray[np.int64]:
-        """Numbers of these events in the file, from 0."""
+        """Numbers of these events in the file, from 0, in one dimension."""
         return self._entries
 
     def headers(self) -> np.recarray[Any, Any]:
@@ -122,7 +122,10 @@ class Events(Sequence[Event]):
 
         Columns are named as the members on file (docs/format.md), without the "f" and in lower case. Times are
         `datetime64[ns]`, in UTC; counters and dead times are in units of 100 ns, time offsets in ns. Columns with six
-        values have those of mirror 1 to 6. `raw_mirror_time` is NaT for mirrors without data.
+        values have those of mirror 1 to 6: their shape is (n, 6) for n events, that of the others (n,). `raw_mirror_time` is
+        NaT for mirrors without data.
+
+        Raises StnEventError, which names the entry, if one of them can't be read; then there are no rows at all.
         """
         return self._file._read_headers(self._entries)
 
@@ -165,7 +168,7 @@ class File(Events):
 
     @property
     def run_header(self) -> RunHeader | None:
-        """The run header; None if the file has none."""
+        """The run header; None if the file has none. StnEventError if it can't be read."""
         if not self._library.stn_has_run_header(self._open_reader()):
             return None
         record = _library.RunHeaderRecord()
@@ -174,7 +177,8 @@ class File(Events):
 
     @property
     def run_trailer(self) -> RunTrailer | None:
-        """The run trailer; None if the file has none, as when its run did not end regularly."""
+        """The run trailer; None if the file has none, as when its run did not end regularly. StnEventError if it can't be
+        read."""
         if not self._library.stn_has_run_trailer(self._open_reader()):
             return None
         record = _library.RunTrailerRecord()
@@ -190,14 +194,15 @@ class File(Events):
         return Event(self, int(found[0]))
 
     def by_time(self, time: Time) -> Event:
-        """The event whose corrected time is nearest to a time in UTC. The first look-up reads all headers. LookupError
-        if the file has no events."""
+        """The event whose corrected time is nearest to a time in UTC; the first one if several are. The first look-up reads
+        all headers. LookupError if the file has no events."""
         if not len(self):
             raise LookupError(f"{self.path} has no events")
         return Event(self, int(np.argmin(np.abs(self._index[1] - np.array(time, records.TIME)))))
 
     def between(self, start: Time, stop: Time) -> Events:
-        """The events from a time on and before another, in UTC and by their corrected times."""
+        """The events from a time on and before another, in UTC and by their corrected times, in the order of the file; none
+        if there are none. The first look-up reads all headers."""
         times = self._index[1]
         chosen = (times >= np.array(start, records.TIME)) & (times < np.array(stop, records.TIME))
         return Events(self, self._entries[chosen])

@@ -34,6 +34,9 @@ def header_columns(frame: Any) -> Any:
     since 1970-01-01 UTC: `frame.AsNumpy(["fTimeStamp"])["fTimeStamp"].view("datetime64[ns]")`. Counters and dead times
     are in units of 100 ns. Columns with six values have those of mirror 1 to 6; a raw time is NaT for a mirror without
     data.
+
+    Raises what ROOT throws if the frame has no `fEventHeader`, or has one of the new columns already; ImportError if the
+    package was built with a ROOT without data frames.
     """
     ROOT = _root_with_frames()
     return ROOT.StnEvent.RDF.HeaderColumns(ROOT.RDF.AsRNode(frame))
