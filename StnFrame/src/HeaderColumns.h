@@ -23,8 +23,8 @@ constexpr Long64_t kNoTime = std::numeric_limits<Long64_t>::min();
 /// | times | `Long64_t`, nanoseconds since 1970-01-01 UTC without leap seconds |
 /// | six values, one for each mirror | `ROOT::RVec` of the type above, mirror `i + 1` at index `i` |
 ///
-/// Values are those of `TStnEventFile::ReadEventHeader`. `fRawMirrorTime` is `kNoTime` for mirrors without data. Throws `std::runtime_error` if the data frame lacks the column `fEventHeader`, or has
-/// one of the new columns already.
+/// Values are those of `TStnEventFile::ReadEventHeader`. `fRawMirrorTime` is `kNoTime` for mirrors without data. Throws
+/// `std::runtime_error` if the data frame lacks the column `fEventHeader`, or has one of the new columns already.
 ROOT::RDF::RNode HeaderColumns(ROOT::RDF::RNode node);
 
 }  // namespace StnEvent::RDF
