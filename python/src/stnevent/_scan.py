@@ -222,7 +222,8 @@ def scan(
     ordered = [outcomes[index] for index in range(len(tasks))]
     failures = tuple(Failure(name, each.reason) for name, each in zip(names, ordered) if each.reason is not None)
     if failures:
-        warnings.warn(f"{len(failures)} of {len(names)} files failed, the first: {failures[0].file}: {failures[0].reason}", stacklevel=2)
+        first = f"{failures[0].file}: {failures[0].reason}"
+        warnings.warn(f"{len(failures)} of {len(names)} files failed, the first: {first}", stacklevel=2)
     noted = tuple(warning for each in ordered for warning in each.warnings)
     return Results(_dataset([each.table for each in ordered if each.table is not None]), failures, noted)
 
