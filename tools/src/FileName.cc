@@ -3,6 +3,7 @@
 #include "ToolError.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -33,6 +34,13 @@ void RequireFree(const std::string& path, bool force, const std::string& advice)
   if (!force) throw ToolError(kCannotWrite, path + " exists already" + advice);
 }
 
+bool IsSameFile(const std::string& first, const std::string& second) {
+  struct stat one;
+  struct stat other;
+  if (stat(first.c_str(), &one) != 0 || stat(second.c_str(), &other) != 0) return false;
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
 /// A new name is on disk only when its folder is. Not every file system can be told so; the others need not be.
 void SyncFolder(const std::string& path) {
   const fs::path folder = fs::path(path).parent_path();
@@ -59,6 +67,14 @@ void RequireNewName(const std::string& path, bool force) {
   RequireFree(path, force, "; choose another name, or --force to replace it");
   RequireFree(GetPartName(path), force,
               ", left by a program that was ended or is still at work; save what is in it, or --force to replace it");
+}
+
+void RequireOtherFile(const std::string& input, const std::string& output) {
+  for (const std::string& written : {output, GetPartName(output)}) {
+    if (!IsSameFile(input, written)) continue;
+    throw ToolError(kUsage, input + " would be overwritten, as the output is first called " + GetPartName(output) +
+                                "; choose another name for OUT");
+  }
 }
 
 std::string GetPartName(const std::string& path) { return path + ".part"; }

@@ -13,6 +13,10 @@ std::string GetRootName(const std::string& path);
 /// exists under one of the names is left alone, with `kCannotWrite`, unless it is a plain file and `force` is true.
 void RequireNewName(const std::string& path, bool force);
 
+/// Throws with `kUsage` if the file that is read would be overwritten while the other is written, under either of its
+/// two names.
+void RequireOtherFile(const std::string& input, const std::string& output);
+
 /// The name of a file that is not finished.
 std::string GetPartName(const std::string& path);
 

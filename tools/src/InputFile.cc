@@ -2,6 +2,7 @@
 
 #include "FileFrame.h"
 #include "FileName.h"
+#include "OutputFile.h"
 #include "ToolError.h"
 
 #include <TKey.h>
@@ -27,6 +28,7 @@ void Say(const char* text) {
 
 // Only what is safe in a signal handler.
 void EndAfterCrash(int) {
+  RemoveUnfinished();
   Say(gProgram);
   Say(": ");
   Say(gPath);

@@ -14,9 +14,8 @@ namespace {
 // What a signal handler can get at: the name of the file that is being written.
 std::string gPart;
 
-// Only what is safe in a signal handler.
 void RemovePartAndEnd(int signal) {
-  unlink(gPart.c_str());
+  RemoveUnfinished();
   std::signal(signal, SIG_DFL);
   raise(signal);
 }
@@ -29,6 +28,8 @@ void RemovePartOnSignals(const std::string& part) {
 }
 
 }  // namespace
+
+void RemoveUnfinished() { unlink(gPart.c_str()); }
 
 OutputFile::OutputFile(const std::string& path, bool force, int compression) : fPath(path) {
   const std::string part = GetRootName(GetPartName(path));
@@ -48,21 +49,43 @@ OutputFile::~OutputFile() {
   RemovePart(fPath);
 }
 
-void OutputFile::WriteRunHeader(TStnRunHeader& header) { RequireWritten(fFile->WriteRunHeader(&header)); }
+void OutputFile::WriteRunHeader(TStnRunHeader& header) {
+  Do([&] { return fFile->WriteRunHeader(&header); });
+}
 
-void OutputFile::WriteRunTrailer(TStnRunTrailer& trailer) { RequireWritten(fFile->WriteRunTrailer(&trailer)); }
+void OutputFile::WriteRunTrailer(TStnRunTrailer& trailer) {
+  Do([&] { return fFile->WriteRunTrailer(&trailer); });
+}
 
-void OutputFile::WriteEvent() { RequireWritten(fFile->WriteEvent(&fEvent)); }
+void OutputFile::WriteEvent() {
+  Do([&] { return fFile->WriteEvent(&fEvent); });
+}
 
-void OutputFile::Finish() {
-  fFile->Close();
-  RequireWritten(!fFile->IsOpen());
+void OutputFile::Finish(const Check& check) {
+  Do([&] {
+    fFile->Close();
+    return !fFile->IsOpen();
+  });
+  if (check) Pass(check);
   FinishPart(fPath);
   fFile.reset();
 }
 
-void OutputFile::RequireWritten(bool done) {
-  std::string error = fMessages.GetFirstError();
+void OutputFile::Pass(const Check& check) const {
+  try {
+    check(GetPartName(fPath));
+  } catch (const ToolError& error) {
+    Fail(error.what(), "try again");
+  }
+}
+
+// Others may have begun to listen since this file was made, as a file that is read meanwhile.
+template <typename Step>
+void OutputFile::Do(Step step) {
+  Messages messages;
+  const bool done = step();
+  std::string error = messages.GetFirstError();
+  if (error.empty()) error = fMessages.GetFirstError();
   if (done && error.empty() && !fFile->TestBit(TFile::kWriteError)) return;
   Fail(error, "make room and try again");
 }

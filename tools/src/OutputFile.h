@@ -8,6 +8,7 @@
 #include <StnEvent/StnRunHeader.h>
 #include <StnEvent/StnRunTrailer.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -33,11 +34,17 @@ class OutputFile {
   /// Writes that event as it is now.
   void WriteEvent();
 
-  /// Closes the file and gives it its name.
-  void Finish();
+  /// Looks at the closed file, which still has the name that it is given. If it throws a `ToolError`, the file is not
+  /// kept.
+  using Check = std::function<void(const std::string& path)>;
+
+  /// Closes the file, lets `check` look at it, if there is one, and gives it its name.
+  void Finish(const Check& check = nullptr);
 
  private:
-  void RequireWritten(bool done);
+  template <typename Step>
+  void Do(Step step);
+  void Pass(const Check& check) const;
   [[noreturn]] void Fail(const std::string& reason, const std::string& advice) const;
 
   std::string fPath;
@@ -47,6 +54,9 @@ class OutputFile {
   TStnEvent* fEvent = fOwnedEvent.get();
   std::unique_ptr<TStnEventFile> fFile;
 };
+
+/// Takes away what an `OutputFile` of this process has not finished. May be called by a handler of signals.
+void RemoveUnfinished();
 
 }  // namespace StnTools
 

@@ -1,12 +1,10 @@
 #include "CommandLine.h"
+#include "EventSelection.h"
 #include "HeaderRecord.h"
-#include "HeaderSelection.h"
 #include "HeaderTable.h"
-#include "InputFile.h"
 
 #include <algorithm>
 #include <iostream>
-#include <limits>
 
 namespace {
 
@@ -33,15 +31,11 @@ const Format& GetFormat(const std::string& name) {
 struct Options {
   std::string fInput;
   std::string fFormat = "table";
-  HeaderSelection fSelection;
-  UInt_t fFirst = 0;
-  UInt_t fCount = std::numeric_limits<UInt_t>::max();
+  EventSelection fSelection;
 };
 
 void AddOptions(CLI::App& app, Options& options) {
   app.add_option("FILE", options.fInput, "station file to read")->required();
-  app.add_option("--first", options.fFirst, "first entry to look at, counted from 0")->capture_default_str();
-  app.add_option("--count", options.fCount, "number of entries to look at (default: all)");
   app.add_option("--format", options.fFormat, "a table for people, or every field as CSV or as lines of JSON")
       ->check(CLI::IsMember({"table", "csv", "jsonl"}))
       ->capture_default_str();
@@ -51,14 +45,11 @@ void AddOptions(CLI::App& app, Options& options) {
 int ShowHeaders(const Options& options) {
   GuardAgainstCrash("stn-headers", options.fInput.c_str());
   InputFile file("stn-headers", options.fInput);
-  if (options.fFirst > 0) file.RequireEntry(options.fFirst);
-  UInt_t end = options.fFirst + std::min(options.fCount, file.GetNEvents() - options.fFirst);
+  options.fSelection.RequireBegin(file);
   const Format& format = GetFormat(options.fFormat);
   std::cout << format.fHead();
-  for (UInt_t entry = options.fFirst; entry < end; ++entry) {
-    const TStnEventHeader& header = file.ReadEventHeader(entry);
-    if (options.fSelection.Matches(header)) std::cout << format.fLine(entry, header);
-  }
+  options.fSelection.Visit(
+      file, [&format](UInt_t entry, const TStnEventHeader& header) { std::cout << format.fLine(entry, header); });
   return file.GetState();
 }
 

@@ -6,8 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <sys/stat.h>
-
 #include <iostream>
 #include <map>
 
@@ -36,21 +34,6 @@ void AddOptions(CLI::App& app, Options& options) {
       ->check(CLI::PositiveNumber);
   app.add_flag("--partial", options.fPartial, "also write events that lack something other than their header");
   app.add_flag("-f,--force", options.fForce, "replace OUT if it exists");
-}
-
-bool IsSameFile(const std::string& first, const std::string& second) {
-  struct stat one;
-  struct stat other;
-  if (stat(first.c_str(), &one) != 0 || stat(second.c_str(), &other) != 0) return false;
-  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
-void RequireOtherFile(const Options& options) {
-  for (const std::string& written : {options.fOutput, GetPartName(options.fOutput)}) {
-    if (!IsSameFile(options.fInput, written)) continue;
-    throw ToolError(kUsage, options.fInput + " would be overwritten, as the output is first called " +
-                                GetPartName(options.fOutput) + "; choose another name for OUT");
-  }
 }
 
 std::size_t ChooseTree(const Options& options, const Recovery& recovery, nlohmann::json& report) {
@@ -105,7 +88,7 @@ int Report(const Options& options, const BadSteps& bad_steps, const nlohmann::js
 }
 
 int RecoverInWorker(const Options& options) {
-  RequireOtherFile(options);
+  RequireOtherFile(options.fInput, options.fOutput);
   BadSteps bad_steps;
   while (bad_steps.size() < kMostBadSteps) {
     nlohmann::json report;

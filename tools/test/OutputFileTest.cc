@@ -1,3 +1,4 @@
+#include "InputFile.h"
 #include "OutputFile.h"
 #include "ToolError.h"
 
@@ -40,6 +41,31 @@ TEST_F(OutputFileTest, GetsItsNameWhenItIsFinished) {
   file.Finish();
   EXPECT_FALSE(fs::exists("run.root.part"));
   EXPECT_TRUE(fs::exists("run.root"));
+}
+
+TEST_F(OutputFileTest, CanBeReadBackBeforeItGetsItsName) {
+  OutputFile file("run.root", false, 1);
+  TStnRunHeader header;
+  file.WriteRunHeader(header);
+  std::string seen;
+  file.Finish([&seen](const std::string& path) {
+    seen = path;
+    EXPECT_FALSE(fs::exists("run.root"));
+    EXPECT_TRUE(StnTools::InputFile("stn-test", path).HasRunHeader());
+  });
+  EXPECT_EQ(seen, "run.root.part");
+  EXPECT_TRUE(fs::exists("run.root"));
+}
+
+TEST_F(OutputFileTest, IsNotKeptIfItDoesNotPass) {
+  EXPECT_EQ(
+      GetComplaint([] {
+        OutputFile file("run.root", false, 1);
+        file.Finish([](const std::string& path) { throw StnTools::ToolError(StnTools::kDamage, path + " is odd"); });
+      }),
+      "4 run.root could not be written (run.root.part is odd) and was not kept; try again");
+  EXPECT_FALSE(fs::exists("run.root.part"));
+  EXPECT_FALSE(fs::exists("run.root"));
 }
 
 TEST_F(OutputFileTest, IsRemovedIfItIsNotFinished) {
