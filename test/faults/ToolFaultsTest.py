@@ -25,7 +25,11 @@ class ToolFaultsTest(ProgramTest):
         """Programs that write, with what they are told."""
         self.simulate("good.root", "-n", "3")
         self.write("cut.root", self.read("good.root")[:-300])
-        return {"stn-simulate": ("out.root", "-n", "3"), "stn-recover": ("cut.root", "out.root")}
+        return {
+            "stn-simulate": ("out.root", "-n", "3"),
+            "stn-recover": ("cut.root", "out.root"),
+            "stn-merge": ("good.root", "-o", "out.root"),
+        }
 
     def test_report_no_file_that_is_not_whole(self):
         for program, args in self.writers().items():

@@ -16,7 +16,7 @@ struct Options {
 void AddOptions(CLI::App& app, Options& options) {
   app.add_option("IN", options.fInputs, "station files of one run, in the order in which their events shall stand")
       ->required();
-  app.add_option("OUT", options.fOutput, "station file to write")->required();
+  app.add_option("-o,--output", options.fOutput, "station file to write")->required()->type_name("OUT");
   app.add_flag("-f,--force", options.fForce, "replace OUT if it exists");
 }
 

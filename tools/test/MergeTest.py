@@ -6,11 +6,16 @@ from programs import ProgramTest
 
 class MergeTest(ProgramTest):
     def merge(self, *args):
-        return self.run_program("stn-merge", *args)
+        """Runs the program with the inputs, and at the end the output."""
+        return self.run_program("stn-merge", *args[:-1], "-o", args[-1])
 
     def split(self, *args):
         code, _, error = self.run_program("stn-split", *args)
         self.assertEqual((code, error), (0, ""))
+
+    def checksum(self, name):
+        """The line of stn-verify without the file's name."""
+        return self.run_program("stn-verify", name)[1].partition(": ")[2]
 
     def show(self, name, what):
         return self.run_program("stn-show", name, what)
@@ -19,26 +24,30 @@ class MergeTest(ProgramTest):
         self.assertEqual(self.merge(*args), (code, "", f"stn-merge: {text}\n"))
         self.assertEqual(sorted(os.listdir(self.folder)), left)
 
-    def test_writes_one_file_again_to_the_byte(self):
-        os.mkdir(self.path("new"))
+    def test_writes_every_byte_of_its_own_files_again(self):
+        for folder in ("one", "two"):
+            os.mkdir(self.path(folder))
         self.simulate("run.root", "-n", "20", "--compression", "505")
         self.assertEqual(
-            self.merge("run.root", "new/run.root"),
-            (0, "new/run.root: 20 of 20 events, with run header, with run trailer\n", ""),
+            self.merge("run.root", "one/run.root"),
+            (0, "one/run.root: 20 of 20 events, with run header, with run trailer\n", ""),
         )
-        self.assertEqual(self.read("new/run.root"), self.read("run.root"))
+        self.assertEqual(self.checksum("one/run.root"), self.checksum("run.root"))
+        self.merge("one/run.root", "two/run.root")
+        self.assertEqual(self.read("two/run.root"), self.read("one/run.root"))
 
     def test_puts_the_parts_of_a_run_together_again(self):
-        os.mkdir(self.path("new"))
         self.simulate("run.root", "-n", "20")
         self.split("run.root", "one.root", "--count", "7")
         self.split("run.root", "two.root", "--first", "7", "--count", "12")
         self.split("run.root", "three.root", "--first", "19")
         self.assertEqual(
-            self.merge("one.root", "two.root", "three.root", "new/run.root"),
-            (0, "new/run.root: 20 of 20 events, with run header, with run trailer\n", ""),
+            self.merge("one.root", "two.root", "three.root", "new.root"),
+            (0, "new.root: 20 of 20 events, with run header, with run trailer\n", ""),
         )
-        self.assertEqual(self.read("new/run.root"), self.read("run.root"))
+        self.assertEqual(self.checksum("new.root"), self.checksum("run.root"))
+        for what in ("--header", "--trailer"):
+            self.assertEqual(self.show("new.root", what), self.show("run.root", what))
 
     def test_keeps_the_order_of_the_files(self):
         self.simulate("run.root", "-n", "3")
@@ -199,15 +208,22 @@ class MergeTest(ProgramTest):
                     self.assert_refused((*inputs, "new.root"), 3, f"{name} {text}", left)
 
     def test_explains_itself(self):
-        code, output, error = self.merge("--help")
+        code, output, error = self.run_program("stn-merge", "--help")
         self.assertEqual((code, error), (0, ""))
-        self.assertIn("Usage: stn-merge [OPTIONS] IN... OUT\n", output)
+        self.assertIn("Usage: stn-merge [OPTIONS] IN...\n", output)
         self.assertIn("\nExit codes: 0 fine; 1 ", output)
 
     def test_wants_an_output(self):
-        self.simulate("run.root", "-n", "1")
-        self.assertEqual(self.merge("run.root")[0], 2)
-        self.assertEqual(os.listdir(self.folder), ["run.root"])
+        self.simulate("a.root", "-n", "1")
+        self.assertEqual(
+            self.run_program("stn-merge", "a.root"),
+            (2, "", "--output is required\nRun with --help for more information.\n"),
+        )
+        self.assertEqual(os.listdir(self.folder), ["a.root"])
+
+    def test_takes_its_arguments_in_any_order(self):
+        self.simulate("a.root", "-n", "1")
+        self.assertEqual(self.run_program("stn-merge", "-o", "new.root", "a.root")[0], 0)
 
 
 if __name__ == "__main__":
