@@ -6,7 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -51,6 +54,18 @@ void SyncFolder(const std::string& path) {
 }
 
 }  // namespace
+
+bool IsAddress(const std::string& path) {
+  const std::size_t end = path.find("://");
+  return end != std::string::npos && end > 0 && path.compare(0, end, "file") != 0 &&
+         std::all_of(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(end),
+                     [](unsigned char letter) { return std::islower(letter) || std::isdigit(letter); });
+}
+
+void RequireName(const std::string& path) {
+  if (IsAddress(path))
+    throw ToolError(kUsage, path + " is an address; copy the file first, this program needs all of it");
+}
 
 std::string GetRootName(const std::string& path) {
   if (path.empty()) return path;

@@ -5,6 +5,12 @@
 
 namespace StnTools {
 
+/// Is this the address of a file on a server, as "https://server/run.root", and no name?
+bool IsAddress(const std::string& path);
+
+/// Throws with `kUsage` if `path` is an address.
+void RequireName(const std::string& path);
+
 /// The name under which ROOT opens the file `path` and no other. ROOT reads more than a name from `~`, `file:` and blanks
 /// at the beginning; the name given back begins otherwise. Throws with `kUsage` for names that cannot be said so.
 std::string GetRootName(const std::string& path);

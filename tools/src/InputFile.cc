@@ -3,6 +3,7 @@
 #include "FileFrame.h"
 #include "FileName.h"
 #include "OutputFile.h"
+#include "RemoteFile.h"
 #include "ToolError.h"
 
 #include <TKey.h>
@@ -46,22 +47,33 @@ void GuardAgainstCrash(const char* program, const char* path) {
     std::signal(signal, EndAfterCrash);
 }
 
+int GetCompression(const std::string& path) { return IsAddress(path) ? 1 : ReadFileFrame(path).fCompression; }
+
 InputFile::InputFile(const std::string& program, const std::string& path) : fPath(path) {
-  FileFrame frame = ReadFileFrame(path);
-  fFile = std::make_unique<TStnEventFile>(GetRootName(path).c_str(), "READ");
-  std::string loss = frame.IsCutShort() ? "is cut short, with " + std::to_string(frame.fSize) + " of its " +
-                                              std::to_string(frame.fEnd) + " bytes"
-                                        : "was not closed by its writer";
-  if (fFile->IsZombie()) {
-    if (!frame.IsCutShort() && frame.fEnd != 0) loss = "is damaged (" + fMessages.GetFirstError() + ")";
-    throw ToolError(kDamage, path + " " + loss + ": nothing can be read from it; copy or write it again");
-  }
+  const std::string loss = IsAddress(path) ? OpenAddress() : OpenFile();
   RequireStationFile();
   fNEvents = CountEvents();
   if (!fFile->TestBit(TFile::kRecovered)) return;
   fState = kDamage;
   std::cerr << program << ": warning: " << path << " " << loss << "; going on with what could be recovered, "
             << fNEvents << " events" << std::endl;
+}
+
+std::string InputFile::OpenFile() {
+  FileFrame frame = ReadFileFrame(fPath);
+  fFile = std::make_unique<TStnEventFile>(GetRootName(fPath).c_str(), "READ");
+  std::string loss = frame.IsCutShort() ? "is cut short, with " + std::to_string(frame.fSize) + " of its " +
+                                              std::to_string(frame.fEnd) + " bytes"
+                                        : "was not closed by its writer";
+  if (!fFile->IsZombie()) return loss;
+  if (!frame.IsCutShort() && frame.fEnd != 0) loss = "is damaged (" + fMessages.GetFirstError() + ")";
+  throw ToolError(kDamage, fPath + " " + loss + ": nothing can be read from it; copy or write it again");
+}
+
+std::string InputFile::OpenAddress() {
+  fFile = RemoteFile::Open(fPath);
+  if (fFile && !fFile->IsZombie()) return "was not closed by its writer, or is cut short";
+  throw ToolError(kCannotOpen, fPath + " cannot be opened (" + fMessages.GetFirstError() + "); check the address");
 }
 
 bool InputFile::Has(const char* name, const char* class_name) const {

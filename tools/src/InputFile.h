@@ -18,7 +18,7 @@ namespace StnTools {
 /// and what to do next.
 class InputFile {
  public:
-  /// Opens `path`. `program` is the name that stands before warnings.
+  /// Opens `path`, the name of a file or an address that ROOT can read from. `program` is the name that stands before warnings.
   /// Throws with `kCannotOpen` if the file is missing, unreadable, empty, or no station file, and with `kDamage` if
   /// nothing can be read from it. A file whose writer never closed it, or that lost its end, is opened with a warning
   /// as far as ROOT can recover it.
@@ -54,6 +54,8 @@ class InputFile {
   void Show(std::ostream& ostr) { fFile->Show(ostr); }
 
  private:
+  std::string OpenFile();
+  std::string OpenAddress();
   bool Has(const char* name, const char* class_name) const;
   void RequireStationFile() const;
   UInt_t CountEvents();
@@ -69,6 +71,9 @@ class InputFile {
   TStnEvent* fEvent = fOwnedEvent.get();
   std::unique_ptr<TStnEventFile> fFile;
 };
+
+/// ROOT's setting for what was written to a file; 1 if that is not known. Throws as `ReadFileFrame`.
+int GetCompression(const std::string& path);
 
 /// Makes a crash inside ROOT, which some damaged files provoke, end the program with one line and `kDamage`.
 /// `program` and `path` must stay until the end of the process.

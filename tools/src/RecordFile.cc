@@ -1,6 +1,7 @@
 #include "RecordFile.h"
 
 #include "ByteReader.h"
+#include "FileName.h"
 #include "FileFrame.h"
 #include "ToolError.h"
 
@@ -113,9 +114,14 @@ bool Unpack(const std::string& packed, char* target) {
   return true;
 }
 
+FileFrame ReadFrame(const std::string& path) {
+  RequireName(path);
+  return ReadFileFrame(path);
+}
+
 }  // namespace
 
-RecordFile::RecordFile(const std::string& path) : fPath(path), fFrame(ReadFileFrame(path)), fSize(fFrame.fSize) {
+RecordFile::RecordFile(const std::string& path) : fPath(path), fFrame(ReadFrame(path)), fSize(fFrame.fSize) {
   fDescriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fDescriptor < 0)
     throw ToolError(kCannotOpen, path + " cannot be opened: " + std::strerror(errno) + "; check its permissions");

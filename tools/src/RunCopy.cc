@@ -1,6 +1,5 @@
 #include "RunCopy.h"
 
-#include "FileFrame.h"
 #include "FileName.h"
 #include "ProgressBar.h"
 #include "ReadBack.h"
@@ -39,7 +38,7 @@ RunCopy::RunCopy(const std::string& program, const std::vector<std::string>& inp
     : fProgram(program),
       fInputs(inputs),
       fOutputName(RequireOtherName(inputs, output)),
-      fOutput(output, force, ReadFileFrame(inputs.front()).fCompression) {}
+      fOutput(output, force, GetCompression(inputs.front())) {}
 
 ExitCode RunCopy::Run(const Choice& choice) {
   for (fCurrent = 0; fCurrent < fInputs.size(); ++fCurrent)

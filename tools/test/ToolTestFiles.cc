@@ -76,6 +76,28 @@ void WriteAltered(const char* out, const char* in) {
   output.Finish();
 }
 
+// A run that is being written, as told by the standard input: "e" writes an event, anything else saves the tree with that
+// option of ROOT's. Each step is answered by a line. At the end of the input the file is closed.
+void WriteGrowing(const char* out, const char*) {
+  Simulation simulation(GetSmallSettings());
+  auto* file = new TStnEventFile(out, "CREATE");
+  auto* event = new TStnEvent;
+  TStnRunHeader header;
+  simulation.FillRunHeader(header);
+  file->WriteRunHeader(&header);
+  UInt_t trigger = 0;
+  for (std::string step; std::getline(std::cin, step); std::cout << "done" << std::endl) {
+    if (step != "e") {
+      file->Get<TTree>("StnEventTree")->AutoSave(step.c_str());
+      continue;
+    }
+    simulation.Simulate(++trigger);
+    simulation.Build(*event);
+    file->WriteEvent(&event);
+  }
+  file->Close();
+}
+
 void AddEvents(TStnEventFile& file, TStnEvent*& event, UInt_t run, UInt_t n_events) {
   SimulationSettings settings = GetSmallSettings();
   settings.fRun = run;
@@ -116,7 +138,7 @@ void WriteTwice(const char* out, const char*) {
 int main(int argc, char** argv) {
   const std::map<std::string, Writer> writers = {
       {"foreign", WriteForeign}, {"disguised", WriteDisguised}, {"unclosed", WriteUnclosed}, {"bare", WriteBare},
-      {"altered", WriteAltered}, {"mixed", WriteMixed},         {"twice", WriteTwice}};
+      {"altered", WriteAltered}, {"growing", WriteGrowing},     {"mixed", WriteMixed},       {"twice", WriteTwice}};
   if (argc < 3 || writers.count(argv[1]) == 0) return 2;
   writers.at(argv[1])(argv[2], argc > 3 ? argv[3] : "");
   return 0;
