@@ -7,7 +7,6 @@
 #include <TROOT.h>
 
 #include <cstring>
-#include <numeric>
 
 namespace StnTools {
 namespace {
@@ -58,9 +57,12 @@ Bool_t RemoteFile::ReadBuffer(char* buffer, Long64_t position, Int_t length) {
   return kFALSE;
 }
 
+// One after the other, as few web servers answer requests for several ranges in the form that ROOT expects.
 Bool_t RemoteFile::ReadBuffers(char* buffer, Long64_t* positions, Int_t* lengths, Int_t n_buffers) {
-  if (fSource->ReadBuffers(buffer, positions, lengths, n_buffers)) return kTRUE;
-  Count(std::accumulate(lengths, lengths + n_buffers, Long64_t{0}));
+  for (Int_t i = 0; i < n_buffers; buffer += lengths[i++]) {
+    if (fSource->ReadBuffer(buffer, positions[i], lengths[i])) return kTRUE;
+    Count(lengths[i]);
+  }
   return kFALSE;
 }
 

@@ -15,7 +15,7 @@ from programs import ProgramTest
 
 
 class RangeHandler(http.server.BaseHTTPRequestHandler):
-    """Files of a folder, in full or by ranges of bytes."""
+    """Files of a folder, in full or a range of bytes."""
 
     protocol_version = "HTTP/1.1"
 
@@ -32,22 +32,13 @@ class RangeHandler(http.server.BaseHTTPRequestHandler):
             return self.send_error(404)
         with open(path, "rb") as file:
             content = file.read()
-        ranges = [(int(a), int(b) + 1) for a, b in re.findall(r"(\d+)-(\d+)", self.headers.get("Range", ""))]
-        kind, body = "application/octet-stream", content
-        if ranges:
-            kind, body = "multipart/byteranges; boundary=EDGE", b""
-            for begin, end in ranges:
-                body += b"\r\n--EDGE\r\nContent-type: application/octet-stream\r\n"
-                body += b"Content-range: bytes %d-%d/%d\r\n\r\n" % (begin, end - 1, len(content)) + content[begin:end]
-            body += b"\r\n--EDGE--\r\n"
-        if len(ranges) == 1:
-            begin, end = ranges[0]
-            kind, body = "application/octet-stream", content[begin:end]
-        self.send_response(206 if ranges else 200)
-        if len(ranges) == 1:
+        asked = re.fullmatch(r"bytes=(\d+)-(\d+)", self.headers.get("Range", ""))
+        begin, end = (int(asked[1]), int(asked[2]) + 1) if asked else (0, len(content))
+        body = content[begin:end]
+        self.send_response(206 if asked else 200)
+        if asked:
             self.send_header("Content-Range", f"bytes {begin}-{end - 1}/{len(content)}")
         self.send_header("Accept-Ranges", "bytes")
-        self.send_header("Content-Type", kind)
         self.send_header("Content-Length", str(len(body)))
         self.end_headers()
         if self.command == "GET":
