@@ -1,0 +1,170 @@
+"""Station files as Parquet and RNTuple."""
+
+import os
+import subprocess
+import sys
+
+import awkward as ak
+import numpy as np
+import pytest
+import uproot
+
+import stnevent
+from stnevent.convert import NTUPLE, convert
+
+pq = pytest.importorskip("pyarrow.parquet")
+runner = pytest.importorskip("typer.testing").CliRunner()
+from stnevent.convert import app  # noqa: E402
+
+
+@pytest.fixture
+def run(run_path):
+    return stnevent.open(run_path)
+
+
+@pytest.fixture(autouse=True)
+def folder(tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    return tmp_path
+
+
+def command(*args):
+    done = runner.invoke(app, [str(arg) for arg in args])
+    return done.exit_code, done.stdout, done.stderr
+
+
+def read(path):
+    """The rows of a converted file, with times as integers."""
+    if path.endswith(".parquet"):
+        return ak.from_arrow(pq.read_table(path))
+    with uproot.open(path) as file:
+        return file[NTUPLE].arrays()
+
+
+def as_numbers(values):
+    values = np.asarray(values)
+    return values.view(np.int64) if values.dtype.kind == "M" else values
+
+
+@pytest.mark.parametrize("path", ["out.parquet", "out.root"])
+def test_every_column_of_the_headers_comes_back(run, path):
+    convert(run, path)
+    found, headers = read(path), run.headers()
+    assert found.fields == list(headers.dtype.names)
+    for name in found.fields:
+        np.testing.assert_array_equal(as_numbers(ak.to_numpy(found[name])), as_numbers(headers[name]))
+
+
+@pytest.mark.parametrize("path", ["out.parquet", "out.root"])
+@pytest.mark.parametrize("chunk_size", [None, 2])
+def test_every_trace_comes_back(run, path, chunk_size):
+    convert(run, path, traces=True, chunk_size=chunk_size)
+    for event, traces in zip(run, read(path)["traces"], strict=True):
+        expected = event.traces()
+        assert traces.fields == expected.fields
+        for name in traces.fields:
+            assert as_numbers(ak.flatten(traces[name], axis=None)).tolist() == as_numbers(
+                ak.flatten(expected[name], axis=None)
+            ).tolist()
+        assert ak.num(traces["samples"]).tolist() == ak.num(expected["samples"]).tolist()
+
+
+def test_parquet_has_times(run):
+    convert(run, "out.parquet")
+    times = pq.read_table("out.parquet")["time_stamp"].to_numpy()
+    np.testing.assert_array_equal(times, run.headers().time_stamp)
+
+
+def test_root_reads_the_ntuple(run):
+    convert(run, "out.root", traces=True)
+    frame = stnevent.root().RDataFrame(NTUPLE, "out.root")
+    assert frame.AsNumpy(["event_number"])["event_number"].tolist() == run.headers().event_number.tolist()
+
+
+def test_no_more_than_a_chunk_is_in_a_row_group(run):
+    convert(run, "out.parquet", chunk_size=2)
+    file = pq.ParquetFile("out.parquet")
+    assert [file.metadata.row_group(i).num_rows for i in range(file.num_row_groups)] == [2, 2, 1]
+
+
+@pytest.mark.parametrize("path", ["out.parquet", "out.root"])
+def test_what_does_not_come_back_is_not_kept(run, path, monkeypatch, folder):
+    monkeypatch.setattr("stnevent.convert._is_equal", lambda written, read: False)
+    with pytest.raises(OSError, match=f"^{path} did not come back as it was written$"):
+        convert(run, path)
+    assert os.listdir(folder) == []
+
+
+@pytest.mark.parametrize("path", ["out.parquet", "out.root"])
+def test_another_value_is_noticed(run, path, monkeypatch, folder):
+    from stnevent import convert as module
+
+    def altered(events, traces, chunk=module._chunk, calls=[]):
+        found = chunk(events, traces)
+        calls.append(1)
+        return found if len(calls) == 1 else ak.with_field(found, found["run_no"] + np.uint32(1), "run_no")
+
+    monkeypatch.setattr(module, "_chunk", altered)
+    with pytest.raises(OSError, match="did not come back"):
+        convert(run, path)
+    assert os.listdir(folder) == []
+
+
+def test_the_command_says_what_it_wrote(run_path):
+    assert command(run_path, "out.parquet", "--traces") == (0, "out.parquet: 5 events\n", "")
+    assert "traces" in pq.read_schema("out.parquet").names
+
+
+def test_the_command_keeps_a_file_that_exists(run_path, folder):
+    (folder / "out.parquet").write_text("precious")
+    text = "stn-convert: out.parquet exists already; choose another name, or --force to replace it\n"
+    assert command(run_path, "out.parquet") == (4, "", text)
+    assert (folder / "out.parquet").read_text() == "precious"
+    assert command(run_path, "out.parquet", "--force")[0] == 0
+
+
+def test_the_command_never_writes_over_its_input(run_path, folder):
+    (folder / "run.root").write_bytes(run_path.read_bytes())
+    text = "stn-convert: run.root would be overwritten; choose another name for OUT\n"
+    assert command("run.root", "run.root", "--force") == (2, "", text)
+
+
+def test_the_command_refuses_another_ending(run_path):
+    text = "stn-convert: out.csv ends with neither of .parquet, .root\n"
+    assert command(run_path, "out.csv") == (2, "", text)
+
+
+def test_the_command_says_that_there_is_no_file():
+    assert command("none.root", "out.root") == (3, "", "stn-convert: none.root does not exist; check the name\n")
+
+
+def test_the_command_refuses_what_is_no_station_file(folder):
+    (folder / "notes.root").write_text("nothing to see")
+    code, output, error = command("notes.root", "out.root")
+    assert (code, output) == (3, "")
+    assert error.startswith("stn-convert: notes.root")
+
+
+def test_the_command_names_the_event_that_is_damaged(run_path, folder):
+    content = bytearray(run_path.read_bytes())
+    place = content.index(b"fFADCData\x0cStnEventTree") + 3000
+    content[place : place + 6] = b"damage"
+    (folder / "bad.root").write_bytes(content)
+    code, output, error = command("bad.root", "out.parquet", "--traces")
+    assert (code, output) == (1, "")
+    assert "bad.root" in error and "entry" in error
+    assert os.listdir(folder) == ["bad.root"]
+
+
+def test_the_command_explains_itself():
+    code, output, _ = command("--help")
+    assert code == 0
+    assert "Exit codes: 0 fine; 1 the file is damaged" in " ".join(output.split())
+
+
+def test_the_command_is_a_program():
+    done = subprocess.run(
+        [sys.executable, "-W", "ignore", "-c", "from stnevent.convert import main; main()", "--version"],
+        capture_output=True, text=True, check=True,
+    )
+    assert done.stdout == f"stn-convert (StnEvent {stnevent.__version__})\n"
