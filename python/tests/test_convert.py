@@ -110,6 +110,23 @@ def test_another_value_is_noticed(run, path, monkeypatch, folder):
     assert os.listdir(folder) == []
 
 
+@pytest.mark.parametrize("path", ["out.parquet", "out.root"])
+def test_a_run_without_events_has_its_columns(path, folder):
+    subprocess.run([os.path.join(os.environ["STN_BIN"], "stn-simulate"), "run.root", "-n", "0"], check=True)
+    empty = stnevent.open("run.root")
+    convert(empty, path)
+    assert (len(read(path)), read(path).fields) == (0, list(empty.headers().dtype.names))
+    with pytest.raises(ValueError, match="^run.root has no events, and so no traces$"):
+        convert(empty, path, traces=True)
+
+
+def test_the_command_goes_on_with_what_could_be_recovered_and_says_so(folder):
+    subprocess.run([os.path.join(os.environ["STN_BIN"], "ToolTestFiles"), "unclosed", "cut.root"], check=True)
+    code, output, error = command("cut.root", "out.parquet")
+    assert (code, output) == (1, "out.parquet: 3 events\n")
+    assert error.startswith("stn-convert: warning: cut.root: was not closed by its writer")
+
+
 def test_the_command_says_what_it_wrote(run_path):
     assert command(run_path, "out.parquet", "--traces") == (0, "out.parquet: 5 events\n", "")
     assert "traces" in pq.read_schema("out.parquet").names

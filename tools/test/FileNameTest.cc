@@ -36,8 +36,6 @@ const char* const kStrangeNames[] = {"$(touch broken).root",
                                      "~root/run.root",
                                      "file:run.root",
                                      "file:///tmp/run.root",
-                                     "http://host/run.root",
-                                     "root://host//run.root",
                                      "run.root?reproducible=other.root",
                                      "run.root#tree",
                                      "*.root",
@@ -106,6 +104,14 @@ TEST(RootNameTest, KeepsRootFromReadingMoreThanAName) {
   EXPECT_EQ(GetRootName(" run.root"), "./ run.root");
   EXPECT_EQ(GetRootName("file:run.root"), "./file:run.root");
   EXPECT_EQ(GetRootName("http:run.root"), "./http:run.root");
+}
+
+TEST(FileNameTest, TellsAddressesFromNames) {
+  for (const char* address : {"http://server/run.root", "https://server/run.root", "root://server//run.root", "s3://x"})
+    EXPECT_TRUE(StnTools::IsAddress(address)) << address;
+  for (const char* name :
+       {"run.root", "/data/run.root", "a:b", "://x", "a/b://c", "file:///data/run.root", "A B://x", ""})
+    EXPECT_FALSE(StnTools::IsAddress(name)) << name;
 }
 
 TEST(RootNameTest, RefusesWhatCannotBeSaid) {

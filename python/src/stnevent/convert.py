@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import builtins
 import contextlib
 import os
 import sys
@@ -140,6 +141,8 @@ def convert(run: File, path: str, traces: bool = False, chunk_size: int | None =
         pairs = zip(_chunks(run, traces, size), writer.read(), strict=True)
         if not all(_is_equal(written, read) for written, read in pairs):
             raise OSError(f"{path} did not come back as it was written")
+        with builtins.open(part, "rb") as file:
+            os.fsync(file.fileno())
         os.replace(part, path)
     except BaseException:
         with contextlib.suppress(FileNotFoundError):
