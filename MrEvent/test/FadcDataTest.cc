@@ -528,6 +528,18 @@ TEST(FadcDataOnFile, LaterVersionIsReadByItsDescription) {
   ExpectSameRecord(back, trace);
 }
 
+TEST(FadcDataOnFile, ReadingALaterVersionLeavesARecordThatWasReferredTo) {
+  const Version_t later = DescribeNextVersion(TFADCData::Class());
+  TFADCData trace = MakeTrace();
+  Bytes bytes = ToBytes(trace);
+  Put(bytes, kVersionAt, later, 2);
+  Record record = Record();
+  TFADCData back(&record);
+  FromBytes(bytes, back);
+  EXPECT_EQ(record.fPixelNumber.fPixelNumber, 0);
+  ExpectSameRecord(back, trace);
+}
+
 TEST(FadcDataOnFile, LaterVersionWithoutSamplesIsReadByItsDescription) {
   const Version_t later = DescribeNextVersion(TFADCData::Class());
   TFADCData empty;
@@ -604,7 +616,15 @@ TEST(FadcDataDamaged, CountBelowTheArrayIsRefused) {
 }
 
 TEST(FadcDataDamaged, MissingArrayIsRefused) {
+  TFADCData trace = MakeTrace();
+  const Bytes bytes = ToBytes(trace);
+  const auto get_size = [&bytes](size_t at) { return 1 + 256 * UChar_t(bytes[at + 2]) + UChar_t(bytes[at + 3]); };
+  const size_t low_at = kArraysAt + get_size(kNHighAt);
+  const size_t far_at = low_at + get_size(kNWideAt);
   ExpectRefused(kArraysAt, 0, 1, "fWideHigh: found 0, expected 1");
+  ExpectRefused(low_at, 0, 1, "fWideLow: found 0, expected 1");
+  ExpectRefused(far_at, 0, 1, "fFar: found 0, expected 1");
+  ExpectRefused(far_at + get_size(kNFarAt), 0, 1, "fNear: found 0, expected 1");
   ExpectRefused(kNHighAt, 0, 4, "fWideHigh: found 1, expected 0");
 }
 
