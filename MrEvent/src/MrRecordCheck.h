@@ -1,7 +1,8 @@
 #ifndef MrEvent_MrRecordCheck_h
 #define MrEvent_MrRecordCheck_h
 
-#include <Bytes.h>
+#include <MrEvent/MrNumber.h>
+
 #include <Rtypes.h>
 #include <TBuffer.h>
 
@@ -58,9 +59,9 @@ class MrRecordCheck {
 
   template <class T>
   T Peek(UInt_t position) const {
-    char* bytes = fBuffer.Buffer() + position;
+    const char* bytes = fBuffer.Buffer() + position;
     T value;
-    frombuf(bytes, &value);
+    TakeNumber(bytes, value);
     return value;
   }
   bool Has(const char* field, ULong64_t n_bytes) const;

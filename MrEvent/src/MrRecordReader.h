@@ -1,7 +1,8 @@
 #ifndef MrEvent_MrRecordReader_h
 #define MrEvent_MrRecordReader_h
 
-#include <Bytes.h>
+#include <MrEvent/MrNumber.h>
+
 #include <Rtypes.h>
 #include <TBuffer.h>
 
@@ -42,8 +43,8 @@ class MrRecordReader {
   template <class... T>
   void ReadValues(T&... values) {
     if (!HasBytes("end of record", (... + sizeof(T)))) return;
-    char* bytes = fBuffer.Buffer() + fBuffer.Length();
-    (frombuf(bytes, &values), ...);
+    const char* bytes = fBuffer.Buffer() + fBuffer.Length();
+    (TakeNumber(bytes, values), ...);
     fBuffer.SetBufferOffset(bytes - fBuffer.Buffer());
   }
 
