@@ -185,7 +185,7 @@ class RecoverTest(ProgramTest):
 
     def test_leaves_nothing_behind_where_files_may_not_grow(self):
         # Long enough that the limit leaves room for the counts that an instrumented program writes at its end.
-        self.simulate("run.root", "-n", "60")
+        self.simulate("run.root", "-n", "100")
         limit = len(self.read("run.root")) // 2
         code, output, error = self.recover(
             "run.root", "new.root", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
