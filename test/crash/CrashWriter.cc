@@ -92,7 +92,7 @@ void SaveTree(const Options& options, TStnEventFile& file, UInt_t n_events) {
 
 void WriteRun(const Options& options) {
   Simulation simulation(GetSettings());
-  // Deleted by nobody: whatever ends the process has to do with an open file.
+  // Deleted only at the end of the run: whatever ends the process before has to do with an open file.
   auto* file = new TStnEventFile(options.fOutput.c_str(), "RECREATE", "", options.fCompression);
   auto* event = new TStnEvent;
   TStnRunHeader header;
@@ -108,6 +108,8 @@ void WriteRun(const Options& options) {
     if (trigger == options.fAt) EndNow(options);
   }
   file->Close();
+  delete file;
+  delete event;
 }
 
 void WriteChecksums(const Options& options) {
