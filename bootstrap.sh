@@ -243,7 +243,7 @@ check() {
   (source cmake/sanitizers.sh && run_tests sanitize)
 
   say "Line coverage"
-  # Processes that die in a test leave counts that don't add up, which gcov shows as negative ones and gcovr can't read.
+  # Of processes that die in tests gcov may print counts that gcovr can't read: such lines are reported and left out.
   gcovr --gcov-ignore-parse-errors --root . --object-directory build/sanitize --filter 'StnEvent/src/' --filter 'VdUtil/' --filter 'MrEvent/src/' \
     --exclude '.*/test/.*' --exclude-throw-branches --fail-under-line 95 build/sanitize || die "less than 95 % of the lines are covered"
 }
