@@ -22,6 +22,8 @@ look_into() { # PACKAGE
     grep -qxF "./usr/$file" <<< "$list" || die "$file is not in the package"
   done
   ! grep -vE '^\./(usr/?)?$|^\./usr/(bin|include|lib|share)/' <<< "$list" || die "these files don't belong there"
+  dpkg-deb --fsys-tarfile "$1" | tar --extract --to-stdout ./usr/lib/pkgconfig/StnEvent.pc |
+    grep -q -- '-I${libdir}/stnevent/ROOT/include' || die "StnEvent.pc does not name the ROOT in the package"
   [[ $(dpkg-deb --field "$1" Version) == "$(stn_version)" ]] || die "the package has another version than the project"
   echo "$1: $(wc -l <<< "$list") files, $(du -h "$1" | cut -f1), $(dpkg-deb --field "$1" Installed-Size) kB installed"
 }
