@@ -244,7 +244,7 @@ TEST(TimeCorrectionDerivedDeathTest, IsNotGivenToNull) {
   const TStnEventHeader header;
   Float_t value = 0;
   EXPECT_DEATH((gSystem->ResetSignals(), header.GetTimeCorrectionParameters(nullptr, &value)),
-               "void TStnEventHeader::GetTimeCorrectionParameters\\(Float_t\\*, Float_t\\*\\) const: "
+               "void TStnEventHeader::GetTimeCorrectionParameters\\(Float_t ?\\*, Float_t ?\\*\\) const: "
                "Assertion `t10 != __null && offset != __null' failed");
   EXPECT_DEATH((gSystem->ResetSignals(), header.GetTimeCorrectionParameters(&value, nullptr)),
                "Assertion `t10 != __null && offset != __null' failed");
@@ -449,7 +449,7 @@ TEST(TimeCorrectionDeathTest, IsNotGivenToNull) {
   TStnEventHeader header;
   UInt_t value = 0;
   EXPECT_DEATH((gSystem->ResetSignals(), header.DoTimeCorrection(1, 2, nullptr, &value)),
-               "Bool_t TStnEventHeader::DoTimeCorrection\\(UInt_t, Int_t, UInt_t\\*, UInt_t\\*\\): "
+               "Bool_t TStnEventHeader::DoTimeCorrection\\(UInt_t, Int_t, UInt_t ?\\*, UInt_t ?\\*\\): "
                "Assertion `sec_out != __null && nsec_out != __null' failed");
   EXPECT_DEATH((gSystem->ResetSignals(), header.DoTimeCorrection(1, 2, &value, nullptr)),
                "Assertion `sec_out != __null && nsec_out != __null' failed");
