@@ -22,6 +22,8 @@ Usage: ./bootstrap.sh COMMAND
   package make a Debian package in build/package that brings the ROOT libraries it needs along, and look into it
   compilers
           build everything with clang, and with g++ as C++20, warnings as errors, and run all tests of both
+  valgrind [REGEX]
+          run the test suite, or the tests whose names match, under valgrind's memcheck; many hours, logs in build/valgrind
   docs    build the handbook and the C++ reference in build/site, to be opened at build/site/index.html
   fuzz SECONDS
           try damaged input on every reader, each of the fuzz targets for so many seconds
@@ -276,6 +278,15 @@ compilers() {
   done
 }
 
+valgrind() { # [REGEX]
+  # shellcheck disable=SC2086
+  need_packages $VALGRIND_PACKAGES
+  run_test_command
+  say "valgrind"
+  rm -rf build/valgrind
+  python3 test/valgrind.py build/release "$ROOT_DIR/.." build/valgrind "${1:-}" || die "valgrind has findings, or tests failed: see build/valgrind"
+}
+
 # The handbook and the C++ reference; whatever is missing or wrong in them is an error.
 docs() {
   # shellcheck disable=SC2086
@@ -315,6 +326,7 @@ case "${1:-}" in
   check) check ;;
   package) package ;;
   compilers) compilers ;;
+  valgrind) valgrind "${@:2}" ;;
   docs) docs ;;
   fuzz) fuzz "${2:-}" ;;
   -h | --help | help) usage ;;
