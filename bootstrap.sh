@@ -17,7 +17,7 @@ Usage: ./bootstrap.sh COMMAND
   damage  damage files in every way there is, fail every write and cut the power at every moment; about half an hour
   load    8 processes that write and 8 that read for ten minutes, then memory over thousands of files and events
   crash   [N] kill an event builder N times (300) at random moments and as often in a write, cut a file as often, and compare
-          what stn-recover brings back with what was on disk; figures in build/crash, about an hour
+          what stn-recover brings back with what was on disk; figures in build/crash, about half an hour
   check   what CI runs beyond the tests: warnings as errors, layout, clang-tidy, mypy, sanitizers, line coverage
   package make a Debian package in build/package that brings the ROOT libraries it needs along, and look into it
   compilers
