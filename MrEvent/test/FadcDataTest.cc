@@ -1,5 +1,7 @@
 #include <MrEvent/FadcData.h>
 
+#include <MrEvent/MrTraceCode.h>
+
 #include <LogCapture.h>
 #include <RecordBuffers.h>
 
@@ -8,9 +10,11 @@
 #include <TStreamerElement.h>
 #include <TStreamerInfo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <numeric>
 #include <random>
 #include <string>
 
@@ -413,6 +417,13 @@ TEST(FadcDataOnFile, WordsNearTheLevelTakeHalfAByte) {
   }
 }
 
+TEST(FadcDataOnFile, LastOfAnOddNumberOfWordsTakesHalfAByteToo) {
+  for (UShort_t word : {173, 187}) {
+    TFADCData trace = MakeQuietTrace(999, {{998, word}});
+    EXPECT_EQ(ToBytes(trace).size(), kArraysAt + kNArrays + 500);
+  }
+}
+
 TEST(FadcDataOnFile, WordsFarFromTheLevelTakeOneByteWithTheHalfThatSaysSo) {
   for (UShort_t word : {166, 172, 188, 195}) {
     TFADCData trace = MakeQuietTrace(1000, {{7, word}, {500, word}, {999, word}});
@@ -425,6 +436,8 @@ TEST(FadcDataOnFile, WordsOfAPulseTakeAByteOrTwoMore) {
   EXPECT_EQ(ToBytes(low).size(), kArraysAt + kNArrays + 500 + 1 + 2);
   TFADCData high = MakeQuietTrace(1000, {{7, 165}, {8, 1000}, {9, 196}, {10, 0x8000 + 180}});
   EXPECT_EQ(ToBytes(high).size(), kArraysAt + kNArrays + 500 + 2 + 4 + 3);
+  TFADCData fading = MakeQuietTrace(1000, {{7, 1000}, {8, 165}, {9, 165}});
+  EXPECT_EQ(ToBytes(fading).size(), kArraysAt + kNArrays + 500 + 2 + 3 + 1);
 }
 
 TEST(FadcDataOnFile, WordsThatLieApartTakeWholeBytes) {
@@ -442,6 +455,51 @@ TEST(FadcDataOnFile, AnyTraceTakesAtMostTwoBytesAWord) {
   for (auto& word : trace.GetRecord()->fFadcData)
     word.fWord = random();
   EXPECT_LE(ToBytes(trace).size(), kArraysAt + kNArrays + 2 * kN);
+}
+
+// The level, from which the differences on file count: files grow when it is another one, but come back all the same
+
+/// Of 27 words all over the trace the median of the medians of the medians of three neighbours.
+UShort_t TypicalWord(const std::vector<UShort_t>& words, size_t first = 0, size_t n = 27) {
+  if (n == 1) return words[first * words.size() / 27];
+  std::vector<UShort_t> three;
+  for (size_t part = 0; part < 3; ++part)
+    three.push_back(TypicalWord(words, first + part * n / 3, n / 3));
+  std::sort(three.begin(), three.end());
+  return three[1];
+}
+
+/// The mean of the words that differ by 32 at most from the typical one, rounded.
+UShort_t Level(const std::vector<UShort_t>& words) {
+  const UShort_t typical = TypicalWord(words);
+  std::vector<Short_t> differences;
+  for (UShort_t word : words)
+    if (std::abs(Short_t(word - typical)) <= 32) differences.push_back(word - typical);
+  const double sum = std::accumulate(differences.begin(), differences.end(), 0.);
+  return typical + Int_t(std::floor(sum / differences.size() + 0.5));
+}
+
+/// Noise with some words far above it; none is 0.
+std::vector<UShort_t> MakeNoise(UInt_t n, std::mt19937& random) {
+  const UInt_t level = 100 + random() % 60000;
+  const UInt_t width = 1 + random() % 100;
+  std::vector<UShort_t> words(n);
+  for (UShort_t& word : words)
+    word = level + random() % width + (random() % 5 == 0 ? random() % 500 : 0);
+  return words;
+}
+
+TEST(FadcDataOnFile, BaseLies64BelowTheMeanOfTheWordsNearATypicalOne) {
+  std::mt19937 random(3);
+  MrTraceCode::Room room;
+  for (UInt_t i = 0; i < 3000; ++i) {
+    const std::vector<UShort_t> words = MakeNoise(1 + random() % (i % 10 == 0 ? kN : 60), random);
+    std::vector<UShort_t> all(kN);
+    std::copy(words.begin(), words.end(), all.begin() + random() % (kN - words.size() + 1));
+    MrTraceCode code;
+    code.Encode(all.data(), room);
+    ASSERT_EQ(code.fBase, UShort_t(Level(words) - 64)) << i;
+  }
 }
 
 TEST(FadcDataOnFile, ReadingLeavesARecordThatWasReferredTo) {

@@ -50,6 +50,20 @@ class DamagedRecordTest : public testing::Test {
     EXPECT_EQ(Member<void*>(event, "fFADCData"), nullptr);
   }
 
+  /// Where the byte count of the pointer to the first object of a class stands.
+  size_t FindPointer(const std::string& class_name) const { return Find(fBytes, class_name + '\0') - 8; }
+
+  /// The byte count of the pointer says that the object ends so many bytes behind the name of its class.
+  void CutObject(const std::string& class_name, size_t n_bytes) {
+    Put(fBytes, FindPointer(class_name), 0x40000000 | (4 + class_name.size() + 1 + n_bytes), 4);
+  }
+
+  /// The record of the event ends here.
+  void CutEvent(size_t size) {
+    fBytes.resize(size);
+    Put(fBytes, 0, 0x40000000 | (size - 4), 4);
+  }
+
   Int_t fErrorLevel;
   LogCapture fLog;
   TStnEvent fEvent;
@@ -120,6 +134,76 @@ TEST_F(DamagedRecordTest, ClassWithoutANameIsRefused) {
   ExpectRefused("TStnT3Data::Streamer() - class: found no name, expected TStnT3Data");
 }
 
+TEST_F(DamagedRecordTest, NameOfAClassThatIsNotThereIsToldAsItStands) {
+  const size_t at = Find(fBytes, "TStnT3Data");
+  for (const std::string name : {"TStn_T3Dat", "TStn::T3Da", "TStn5T3Dat"}) {
+    std::copy(name.begin(), name.end(), fBytes.begin() + at);
+    ExpectRefused("TStnT3Data::Streamer() - class: found " + name + ", expected TStnT3Data");
+  }
+}
+
+TEST_F(DamagedRecordTest, NameOfAClassHas79LettersAtMost) {
+  const std::string name(79, 'A');
+  const size_t at = Find(fBytes, "TStnFADCData");
+  std::copy_n(name.c_str(), name.size() + 1, fBytes.begin() + at);
+  ExpectRefused("TStnFADCData::Streamer() - class: found " + name + ", expected TStnFADCData");
+  fBytes[at + 79] = 'A';
+  fBytes[at + 80] = 0;
+  ExpectRefused("TStnFADCData::Streamer() - class: found no name, expected TStnFADCData");
+}
+
+TEST_F(DamagedRecordTest, NameOfAClassThatTheRecordCutsIsRefused) {
+  const size_t at = FindPointer("TStnT3Data");
+  CutEvent(at + 8 + 5);
+  Put(fBytes, at, 0x40000000 | (4 + 5), 4);
+  ExpectRefused("TStnT3Data::Streamer() - class: found no name, expected TStnT3Data");
+}
+
+TEST_F(DamagedRecordTest, PointerThatTheRecordCutsIsRefused) {
+  CutEvent(FindPointer("TStnT3Data") + 7);
+  ExpectRefused("TStnT3Data::Streamer() - object: found 7 bytes, expected at least 8");
+  CutEvent(fBytes.size() - 4);
+  ExpectRefused("TStnT3Data::Streamer() - object: found 3 bytes, expected at least 4");
+}
+
+TEST_F(DamagedRecordTest, PartThatEndsInItsFrameIsRefused) {
+  for (size_t size : {0, 5}) {
+    CutObject("TStnT3Data", size);
+    ExpectRefused("TStnT3Data::Streamer() - frame: found " + std::to_string(size) + " bytes, expected at least 6");
+  }
+}
+
+TEST_F(DamagedRecordTest, ArrayThatEndsBeforeItsTracesIsRefused) {
+  const std::pair<size_t, const char*> texts[] = {
+      {0, "frame: found 0 bytes, expected at least 6"},       {5, "frame: found 5 bytes, expected at least 6"},
+      {6, "TObject: found 0 bytes, expected at least 10"},    {15, "TObject: found 9 bytes, expected at least 10"},
+      {16, "fName: found 0 bytes, expected at least 1"},      {17, "fSize: found 0 bytes, expected at least 4"},
+      {20, "fSize: found 3 bytes, expected at least 4"},      {21, "fLowerBound: found 0 bytes, expected at least 4"},
+      {24, "fLowerBound: found 3 bytes, expected at least 4"}};
+  for (const auto& [size, text] : texts) {
+    CutObject("TObjArray", size);
+    ExpectRefused(std::string("TObjArray::Streamer() - ") + text);
+  }
+}
+
+TEST_F(DamagedRecordTest, ArrayWithoutAByteCountIsRefused) {
+  Put(fBytes, FindRecord(fBytes, "TObjArray"), 0, 4);
+  ExpectRefused("TObjArray::Streamer() - version: found 0, expected 3");
+}
+
+TEST_F(DamagedRecordTest, OtherArrayOfROOTsIsRefused) {
+  std::copy_n("TClonesArray\0", 13, fBytes.begin() + Find(fBytes, "TObjArray"));
+  ExpectRefused("TObjArray::Streamer() - class: found TClonesArray, expected TObjArray");
+}
+
+TEST_F(DamagedRecordTest, ArrayThatNamesOneMoreTraceThanItHoldsIsRefused) {
+  TStnEvent event;
+  event.AddEvent(MakeMirrorEvent(2, 1).get());
+  fBytes = ToBytes(event);
+  ++fBytes[FindRecord(fBytes, "TObjArray") + 6 + 10 + 1 + 3];
+  ExpectRefused("TFADCData::Streamer() - object: found 0 bytes, expected at least 4");
+}
+
 TEST_F(DamagedRecordTest, ArrayOfMoreTracesThanTheRecordHoldsIsRefused) {
   // Frame, TObject part and name stand before the size.
   Put(fBytes, FindRecord(fBytes, "TObjArray") + 6 + 10 + 1, 0x7FFFFFFF, 4);
@@ -129,8 +213,8 @@ TEST_F(DamagedRecordTest, ArrayOfMoreTracesThanTheRecordHoldsIsRefused) {
 }
 
 TEST_F(DamagedRecordTest, ArrayThatBeginsElsewhereIsRefused) {
-  Put(fBytes, FindRecord(fBytes, "TObjArray") + 6 + 10 + 1 + 4, 5, 4);
-  ExpectRefused("TObjArray::Streamer() - fLowerBound: found 5, expected 0 or 1");
+  Put(fBytes, FindRecord(fBytes, "TObjArray") + 6 + 10 + 1 + 4, 2, 4);
+  ExpectRefused("TObjArray::Streamer() - fLowerBound: found 2, expected 0 or 1");
 }
 
 TEST_F(DamagedRecordTest, ArrayOfAnUnknownVersionIsRefused) {
@@ -153,6 +237,22 @@ TEST_F(DamagedRecordTest, TraceWithTheTagOfAnotherClassIsRefused) {
   const UInt_t other = 0x80000000 | (Find(fBytes, "TStnFADCData") - 4 + 2);
   Put(fBytes, at, other, 4);
   ExpectRefused("TFADCData::Streamer() - class tag: found " + std::to_string(other) + ", expected that of TFADCData");
+}
+
+TEST_F(DamagedRecordTest, ClassThatStoodInTheRecordBeforeIsTaken) {
+  TStnEvent other, first, second;
+  Fill(other);
+  TBufferFile written(TBuffer::kWrite);
+  fEvent.Streamer(written);
+  const Int_t place = written.Length();
+  other.Streamer(written);
+  EXPECT_LT(written.Length(), 2 * place);
+  GuardedBytes memory(Bytes(written.Buffer(), written.Buffer() + written.Length()));
+  TBufferFile read(TBuffer::kRead, written.Length(), memory.Data(), kFALSE);
+  first.Streamer(read);
+  second.Streamer(read);
+  EXPECT_EQ(fLog.Take(), "");
+  EXPECT_EQ(ToBytes(second), fBytes);
 }
 
 TEST_F(DamagedRecordTest, PartWithoutAVersionIsRefused) {

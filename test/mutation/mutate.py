@@ -28,8 +28,9 @@ import switches
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 LIBRARIES = ("VdUtil", "MrEvent", "StnEvent")  # each builds on those before
 INCLUDED_AS = {"StnEvent/src": "StnEvent", "MrEvent/src": "MrEvent", "VdUtil/src": "VdUtil", "VdUtil/root": "VdRoot"}
-# Sources with test programs in a library above their own.
-TESTED_ABOVE = {"MrRecordCheck": ["DamagedRecordTest", "StnPixelListStreamerTest", "StnEventHeaderStreamerTest"]}
+# Sources whose test programs have other names than theirs.
+TESTS_OF = {"MrRecordCheck": ["DamagedRecordTest", "StnPixelListStreamerTest", "StnEventHeaderStreamerTest"],
+            "MrTraceCode": ["FadcDataTest", "MiFadcDataTest"]}
 SANITIZERS = ["-fsanitize=address,undefined", "-fno-sanitize=vptr", "-fno-sanitize-recover=undefined"]
 
 
@@ -101,8 +102,8 @@ class Tests:
         stems = {pathlib.Path(f).stem for f in files}
         best = {name: max((s for s in stems if name.startswith(s)), key=len, default="") for name in self.tests}
         own = [name for name in self.tests if best[name] == pathlib.Path(file).stem]
-        own = own or [name for name in self.tests if self.tests[name][0] == get_library(file)]
-        return self.sorted(own + [name for name in TESTED_ABOVE.get(pathlib.Path(file).stem, ()) if name in self.tests])
+        own += [name for name in TESTS_OF.get(pathlib.Path(file).stem, ()) if name in self.tests]
+        return self.sorted(own or [name for name in self.tests if self.tests[name][0] == get_library(file)])
 
     def get_all(self, file):
         """Those that the source's library matters to."""
@@ -199,9 +200,9 @@ class Builder:
         file = self.files[library]
         self.link(f"lib/{file.name}", objects, folder / "lib" / file.name)
 
-    def make_test(self, name, folder):
-        """A test program with the changed header, where a test is one; answers whether it compiles."""
-        source = next((s for s in self.commands if pathlib.Path(s).stem == name), None)
+    def make_test(self, name, header, folder):
+        """A test program with the changed header, if it includes it; answers whether it compiles."""
+        source = next((s for s in self.includers[header] if pathlib.Path(s).stem == name), None)
         if not source:
             return True
         output = folder / f"{name}.o"
@@ -229,27 +230,45 @@ class Source:
         self.text = (ROOT / file).read_text()
 
     def make(self, text, place):
-        """Library and, for a header, test programs; messages of the compiler if it does not compile."""
+        """Library and test programs; messages of the compiler if one of them does not compile."""
+        messages = self.make_library(text, place)
+        return messages or "".join(self.make_test(name, place) for name in self.order)
+
+    def make_library(self, text, place):
         objects, messages = self.builder.compile_text(self.file, text, place)
-        if messages:
-            return messages
-        self.builder.link_library(get_library(self.file), objects, place)
-        is_made = not self.file.endswith(".h") or all(self.builder.make_test(name, place) for name in self.order)
-        return "" if is_made else "a test program does not compile"
+        if not messages:
+            self.builder.link_library(get_library(self.file), objects, place)
+        return messages
+
+    def make_test(self, name, place):
+        """A source's test programs are as they were built."""
+        is_made = not self.file.endswith(".h") or self.builder.make_test(name, self.file, place)
+        return "" if is_made else f"{name} does not compile"
+
+    def run_test(self, name, place, folder, number):
+        """Whether it passes. The test that kills a mutant moves to the front: neighbours die of the same test."""
+        if self.tests.passes(name, place, folder, number):
+            return True
+        self.order.remove(name)
+        self.order.insert(0, name)
+        return False
 
     def run_tests(self, place, folder, number):
-        """Outcome, and the test that killed it, which then moves to the front: neighbours die of the same test."""
+        """Outcome, and the test that killed it."""
         for name in list(self.order):
-            if not self.tests.passes(name, place, folder, number):
-                self.order.remove(name)
-                self.order.insert(0, name)
+            if not self.run_test(name, place, folder, number):
                 return "killed", name
         return "survived", None
 
     def try_alone(self, mutant, folder):
-        if self.make(mutant.apply(self.text), folder):
+        if self.make_library(mutant.apply(self.text), folder):
             return "not compiling", None
-        return self.run_tests(folder, folder, 0)
+        for name in list(self.order):
+            if self.make_test(name, folder):
+                return "not compiling", None
+            if not self.run_test(name, folder, folder, 0):
+                return "killed", name
+        return "survived", None
 
     def join(self, chosen, place):
         """Makes one library of as many mutants as can stand in it together: (number, mutant) of these."""

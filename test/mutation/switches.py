@@ -15,7 +15,8 @@ OPERATORS = {"<": ("Less", ["<=", ">="]), "<=": ("LessEqual", ["<", ">"]), ">": 
 CLOSING = {"<": ">", ">": "<", "<=": ">=", ">=": "<="}  # a < b < c would draw a warning, and < can open a template
 
 # Lines on which the compiler or the preprocessor needs the text as it is.
-FIXED = re.compile(r"\bconstexpr\b|\bcase\b|\bassert\(|\benum\b|\btemplate\b|^\s*(static )?const [\w:]+ k[A-Z]|^const ")
+FIXED = re.compile(r"\bconstexpr\b|\bcase\b|\bassert\(|\benum\b|\btemplate\b|^\s*(static )?const [\w:]+ k[A-Z]|^const |"
+                   r"^\s*k[A-Z]\w* = -?\w+(,|$)|^\s*(alignas\(\d+\) )?[\w:]+ \w+\[.*\]( = {})?;|^\s*\w+ \w* ?: \w+;|\busing\b")
 
 PRELUDE = """
 #include <cstdlib>
