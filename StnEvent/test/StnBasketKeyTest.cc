@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -48,6 +49,48 @@ void Damage(int offset, const std::string& replacement) {
   Save(bytes);
 }
 
+/// A number as it stands in a key, the high byte first, and back.
+std::string Number(ULong64_t number, std::size_t n_bytes) {
+  std::string bytes;
+  for (std::size_t i = n_bytes; i-- > 0;)
+    bytes += static_cast<char>(number >> 8 * i);
+  return bytes;
+}
+
+ULong64_t NumberAt(const std::string& bytes, std::size_t place, std::size_t n_bytes) {
+  ULong64_t number = 0;
+  for (std::size_t i = 0; i < n_bytes; ++i)
+    number = number << 8 | static_cast<unsigned char>(bytes[place + i]);
+  return number;
+}
+
+/// Writes a file of `n` events, so many of them in each basket.
+void WriteBaskets(UInt_t n, UInt_t n_in_basket, Int_t compress) {
+  TStnEventFile file(kName, "RECREATE", "", compress);
+  TStnEvent event;
+  TStnEvent* address = &event;
+  for (UInt_t number = 0; number < n; ++number) {
+    FillEvent(event, number);
+    file.WriteEvent(&address);
+    if ((number + 1) % n_in_basket == 0) file.Get<TTree>("StnEventTree")->FlushBaskets();
+  }
+}
+
+/// A data member that no operation of a branch shows.
+template <class T>
+T& BranchMember(TBranch& branch, const char* name) {
+  return *reinterpret_cast<T*>(reinterpret_cast<char*>(&branch) + TBranch::Class()->GetDataMemberOffset(name));
+}
+
+/// The damage of the first basket of the file when these bytes stand in its place.
+std::string FindDamageIn(const std::string& bytes) {
+  TStnEventFile file(kName);
+  std::ofstream("other.bin", std::ios::binary) << bytes;
+  std::unique_ptr<FILE, int (*)(FILE*)> other(std::fopen("other.bin", "rb"), std::fclose);
+  return StnBasketKey(*file.Get<TTree>("StnEventTree")->GetBranch(kBranch.c_str()), 0, fileno(other.get()))
+      .FindDamage();
+}
+
 class StnBasketKeyTest : public testing::Test {
  protected:
   void SetUp() override { WriteFile(kName, kNEvents); }
@@ -73,6 +116,109 @@ TEST_F(StnBasketKeyTest, KnowsItsPlace) {
   auto* tree = file.Get<TTree>("StnEventTree");
   StnBasketKey key(*tree->GetBranch(kBranch.c_str()), 1, file.GetFd());
   EXPECT_EQ(key.GetPlace(), static_cast<Long64_t>(FindKey(Load())));
+}
+
+TEST_F(StnBasketKeyTest, IsNotLookedForInAFileWithoutADescriptor) {
+  TStnEventFile file(kName);
+  StnBasketKey key(*file.Get<TTree>("StnEventTree")->GetBranch(kBranch.c_str()), 1, -1);
+  EXPECT_EQ(key.GetPlace(), 0);
+}
+
+TEST_F(StnBasketKeyTest, OfAnyBasketIsFound) {
+  WriteBaskets(8, 3, 1);
+  TStnEventFile file(kName);
+  TBranch* branch = file.Get<TTree>("StnEventTree")->GetBranch(kBranch.c_str());
+  for (Int_t entry = 0; entry < 8; ++entry) {
+    StnBasketKey key(*branch, entry, file.GetFd());
+    EXPECT_EQ(key.GetPlace(), branch->GetBasketSeek(entry / 3));
+    EXPECT_EQ(key.FindDamage(), "");
+  }
+}
+
+TEST_F(StnBasketKeyTest, OfABasketThatIsNotPackedHasNoDamage) {
+  WriteBaskets(4, 4, 0);
+  EXPECT_EQ(FindDamage(3), "");
+}
+
+TEST_F(StnBasketKeyTest, OfABranchThatIsDamagedItselfIsNotLookedFor) {
+  TStnEventFile file(kName);
+  TBranch* branch = file.Get<TTree>("StnEventTree")->GetBranch(kBranch.c_str());
+  auto& last = BranchMember<Int_t>(*branch, "fWriteBasket");
+  for (Int_t wrong : {-1, -(1 << 28), 1 << 28}) {
+    last = wrong;
+    EXPECT_EQ(StnBasketKey(*branch, 0, file.GetFd()).GetPlace(), 0) << wrong;
+  }
+  last = 1;
+  auto& first_entries = BranchMember<Long64_t*>(*branch, "fBasketEntry");
+  Long64_t* const there = std::exchange(first_entries, nullptr);
+  EXPECT_EQ(StnBasketKey(*branch, 0, file.GetFd()).GetPlace(), 0);
+  first_entries = there;
+}
+
+// Nothing but files of more than 2 GB needs eight bytes for a place.
+TEST_F(StnBasketKeyTest, WithPlacesOfFourBytesHasNoDamage) {
+  WriteBaskets(4, 4, 0);
+  std::string bytes = Load();
+  const std::size_t key = FindKey(bytes);
+  const ULong64_t place = NumberAt(bytes, key + 18, 8);
+  bytes.replace(key + 4, 2, Number(4, 2));
+  bytes.replace(key + 14, 2, Number(NumberAt(bytes, key + 14, 2) - 8, 2));
+  bytes.replace(key + 6, 4, Number(NumberAt(bytes, key + 6, 4) + 8, 4));
+  bytes.replace(key + 18, 16, Number(place, 4) + Number(100, 4));
+  EXPECT_EQ(FindDamageIn(bytes), "");
+}
+
+TEST_F(StnBasketKeyTest, WithoutTheEntriesPlacesOrWithThemTwiceHasNoDamage) {
+  const std::string bytes = Load();
+  const std::size_t key = FindKey(bytes);
+  const std::size_t last = key + static_cast<std::size_t>(kTextsEnd) + 14;
+  const ULong64_t end = NumberAt(bytes, key + 14, 2) + NumberAt(bytes, key + 6, 4);
+  const auto with = [&](ULong64_t n_behind) { return std::string(bytes).replace(last, 4, Number(end - n_behind, 4)); };
+  EXPECT_EQ(FindDamageIn(with(0)), "");
+  EXPECT_EQ(FindDamageIn(with(1)), "bytes behind the entries: found 1, expected 24");
+  EXPECT_EQ(FindDamageIn(with(24)), "");
+  EXPECT_EQ(FindDamageIn(with(48)), "");
+  EXPECT_EQ(FindDamageIn(with(72)), "bytes behind the entries: found 72, expected 24");
+}
+
+TEST_F(StnBasketKeyTest, MayHaveTheFlagOfPlacesThatAreLeftOut) {
+  Damage(kTextsEnd + 18, Number(80, 1));
+  EXPECT_EQ(FindDamage(0), "");
+  Damage(kTextsEnd + 18, Number(81, 1));
+  EXPECT_EQ(FindDamage(0), "flag: found 81, expected 0");
+}
+
+/// A head of a packed block: the lengths stand with the low byte first.
+std::string Block(ULong64_t packed, ULong64_t unpacked) {
+  const std::string from = Number(packed, 3), to = Number(unpacked, 3);
+  return "ZS\1" + std::string(from.rbegin(), from.rend()) + std::string(to.rbegin(), to.rend());
+}
+
+TEST_F(StnBasketKeyTest, TellsOfTheLengthsOfAllBlocks) {
+  WriteBaskets(40, 40, 0);
+  std::string bytes = Load();
+  const std::size_t key = FindKey(bytes);
+  const ULong64_t n_packed = NumberAt(bytes, key, 4) - static_cast<ULong64_t>(kKeyBytes);
+  ASSERT_GT(n_packed, 700U);
+  // More bytes than there are, as if they were packed.
+  const ULong64_t n_unpacked = n_packed + 1000;
+  bytes.replace(key + 6, 4, Number(n_unpacked, 4));
+  const std::size_t last = key + static_cast<std::size_t>(kTextsEnd) + 14;
+  bytes.replace(last, 4, Number(NumberAt(bytes, last, 4) + 1000, 4));
+  const auto with = [&](ULong64_t first, const std::string& head, const std::string& other_head) {
+    std::string changed = bytes;
+    changed.replace(key + static_cast<std::size_t>(kKeyBytes), 9, head);
+    return FindDamageIn(changed.replace(key + static_cast<std::size_t>(kKeyBytes) + 9 + first, 9, other_head));
+  };
+  const std::string found = "length unpacked: found " + std::to_string(n_unpacked) + ", expected ";
+  // The second block's head is within the first 512 bytes or beyond them.
+  for (ULong64_t first : {50, 600}) {
+    const ULong64_t rest = n_packed - 18 - first;
+    EXPECT_EQ(with(first, Block(first, 300), Block(rest, n_unpacked - 300)), "");
+    EXPECT_EQ(with(first, Block(first, 300), Block(rest, 70000)), found + "70300");
+    EXPECT_EQ(with(first, Block(first, 300), Block(rest - 1, n_unpacked - 300)), found + "0");
+    EXPECT_EQ(with(first, Block(first, 300), Block(rest + 1, n_unpacked - 300)), found + "0");
+  }
 }
 
 TEST_F(StnBasketKeyTest, TellsTheFirstNumberThatDoesNotFit) {
@@ -109,12 +255,13 @@ TEST_F(StnBasketKeyTest, TellsTheFirstNumberThatDoesNotFit) {
 }
 
 TEST_F(StnBasketKeyTest, BeyondTheEndOfTheFileIsDamaged) {
-  TStnEventFile file(kName);
-  auto* tree = file.Get<TTree>("StnEventTree");
-  std::ofstream("short.bin", std::ios::binary) << Load().substr(0, FindKey(Load()) + 20);
-  std::unique_ptr<FILE, int (*)(FILE*)> cut(std::fopen("short.bin", "rb"), std::fclose);
-  StnBasketKey key(*tree->GetBranch(kBranch.c_str()), 0, fileno(cut.get()));
-  EXPECT_EQ(key.FindDamage(), "end of file");
+  EXPECT_EQ(FindDamageIn(Load().substr(0, FindKey(Load()) + 20)), "end of file");
+}
+
+TEST_F(StnBasketKeyTest, WhatDoesNotFitBeforeTheEndOfTheFileIsToldFirst) {
+  Damage(0, kTwoGB);
+  const std::string damage = FindDamage(0);
+  EXPECT_EQ(FindDamageIn(Load().substr(0, FindKey(Load()) + 20)), damage);
 }
 
 TEST_F(StnBasketKeyTest, DamageCostsOnlyThePartOfTheEvent) {
