@@ -76,13 +76,14 @@ bool IsEntrySound(TBranch& branch, Long64_t entry) {
   const Int_t number = FindBasket(branch, entry);
   TBasket* in_memory = number < 0 ? nullptr : branch.GetBasket(number);
   if (!in_memory || !in_memory->GetBufferRef() || !in_memory->GetBufferRef()->IsReading()) return true;
-  // Offsets that were moved belong to baskets that were copied from other trees, which no file of ours has.
-  if (!in_memory->GetEntryOffset() || in_memory->GetDisplacement()) return true;
+  if (!in_memory->GetEntryOffset()) return true;
 
   const Basket basket(*in_memory);
   const auto index = static_cast<UInt_t>(entry - branch.GetBasketEntry()[number]);
   if (!basket.HasEntry(index))
     return MrRecordCheck::Refuse(cl, "place of entry " + std::to_string(entry), "none", "one inside its basket");
+  // Offsets that were moved belong to baskets that were copied from other trees, which no file of ours has.
+  if (in_memory->GetDisplacement()) return true;
   basket.fBuffer.ResetMap();
   basket.fBuffer.SetBufferDisplacement();
   basket.fBuffer.SetBufferOffset(static_cast<Int_t>(basket.GetBegin(index)));

@@ -1,3 +1,5 @@
+#include <StnEvent/StnEntryCheck.h>
+
 #include <StnEvent/StnEvent.h>
 #include <StnEvent/StnEventFile.h>
 
@@ -5,7 +7,10 @@
 #include <MirrorEvents.h>
 #include <RecordBuffers.h>
 
+#include <TBasket.h>
+#include <TBranch.h>
 #include <TError.h>
+#include <TTree.h>
 
 #include <gtest/gtest.h>
 
@@ -13,6 +18,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -40,15 +46,48 @@ class StnEntryCheckTest : public testing::Test {
     gErrorIgnoreLevel = fErrorLevel;
   }
 
+  static TBranch& GetBranch(TFile& file, const char* name) { return *file.Get<TTree>("StnEventTree")->GetBranch(name); }
+
+  static Bytes Load() {
+    std::ifstream in(kFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  }
+
+  static void Save(const Bytes& bytes) { std::ofstream(kFile, std::ios::binary).write(bytes.data(), bytes.size()); }
+
   /// Overwrites the 32 bits so many bytes from the name of a class in its entry of the first event.
   static void Damage(const std::string& class_name, int offset, UInt_t value) {
-    std::ifstream in(kFile, std::ios::binary);
-    Bytes bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    Bytes bytes = Load();
     const std::string tag = "\xff\xff\xff\xff" + class_name + '\0';
     const auto entry = std::search(bytes.begin(), bytes.end(), tag.begin(), tag.end());
     ASSERT_NE(entry, bytes.end());
     Put(bytes, entry - bytes.begin() + 4 + offset, value, 4);
-    std::ofstream(kFile, std::ios::binary).write(bytes.data(), bytes.size());
+    Save(bytes);
+  }
+
+  /// Overwrites numbers of the table behind the entries of the pixel lists: how many there are, and where each begins.
+  static void DamageTable(const std::vector<std::pair<size_t, UInt_t>>& numbers) {
+    Bytes bytes = Load();
+    {
+      TStnEventFile file(kFile);
+      const TBasket& basket = *GetBranch(file, "fPixelList").GetBasket(0);
+      for (const auto& [index, number] : numbers)
+        Put(bytes, basket.GetSeekKey() + basket.GetLast() + 4 * index, number, 4);
+    }
+    Save(bytes);
+  }
+
+  /// Whether the pixel list of an entry is sound, and what is said of it.
+  static std::pair<bool, std::string> Check(Long64_t entry) {
+    TStnEventFile file(kFile);
+    LogCapture log;
+    const bool is_sound = IsEntrySound(GetBranch(file, "fPixelList"), entry);
+    return {is_sound, log.Take()};
+  }
+
+  static std::pair<bool, std::string> NoPlace(const char* entry) {
+    return {false, std::string("ERR:TStnPixelList::Streamer() - place of entry ") + entry +
+                       ": found none, expected one inside its basket, record skipped\n"};
   }
 
   void ExpectLeftOut(const std::string& branch, const std::string& complaint) {
@@ -128,6 +167,110 @@ TEST_F(StnEntryCheckTest, DamagedHeaderIsNotReadAlone) {
   file.Seek(1);
   ASSERT_TRUE(file.ReadEventHeader(&header));
   EXPECT_EQ(header->GetEventNo(), 12U);
+}
+
+TEST_F(StnEntryCheckTest, EntryThatIsNotThereIsSound) {
+  TStnEventFile file(kFile);
+  for (Long64_t entry : {-1, 2})
+    EXPECT_TRUE(IsEntrySound(GetBranch(file, "fPixelList"), entry));
+  EXPECT_TRUE(IsEntrySound(GetBranch(file, "StnEvent"), 0));
+}
+
+TEST_F(StnEntryCheckTest, EntryThatIsOnlyInMemoryIsSound) {
+  TStnEventFile file("written.root", "RECREATE");
+  TStnEvent the_event;
+  TStnEvent* event = &the_event;
+  file.WriteEvent(&event);
+  EXPECT_TRUE(IsEntrySound(GetBranch(file, "fPixelList"), 0));
+}
+
+TEST_F(StnEntryCheckTest, EntriesOfEachOfSeveralBasketsAreLookedAt) {
+  {
+    TStnEventFile file("baskets.root", "RECREATE");
+    TStnEvent the_event;
+    TStnEvent* event = &the_event;
+    for (UInt_t number = 0; number < 7; ++number) {
+      file.WriteEvent(&event);
+      if (number % 3 == 2) file.Get<TTree>("StnEventTree")->FlushBaskets();
+    }
+  }
+  TStnEventFile file("baskets.root");
+  LogCapture log;
+  TBranch& branch = GetBranch(file, "fPixelList");
+  for (Long64_t entry = 0; entry < 7; ++entry)
+    EXPECT_TRUE(IsEntrySound(branch, entry));
+  EXPECT_EQ(log.Take(), "");
+  // Where the last basket's only entry begins.
+  const_cast<Int_t*>(branch.GetBasket(2)->GetEntryOffset())[0] = 1;
+  EXPECT_FALSE(IsEntrySound(branch, 6));
+  EXPECT_TRUE(IsEntrySound(branch, 5));
+}
+
+TEST_F(StnEntryCheckTest, TableOfAllEntriesIsEnough) {
+  DamageTable({{0, 2}});
+  EXPECT_EQ(Check(0), std::pair(true, std::string()));
+  EXPECT_EQ(Check(1), std::pair(true, std::string()));
+}
+
+TEST_F(StnEntryCheckTest, TableOfFewerEntriesIsRefused) {
+  DamageTable({{0, 1}});
+  EXPECT_EQ(Check(0), NoPlace("0"));
+  EXPECT_EQ(Check(1), NoPlace("1"));
+}
+
+TEST_F(StnEntryCheckTest, EntryBeforeTheFirstIsRefused) {
+  DamageTable({{1, 20}});
+  EXPECT_EQ(Check(0), NoPlace("0"));
+  EXPECT_EQ(Check(1), std::pair(true, std::string()));
+}
+
+TEST_F(StnEntryCheckTest, EntryBehindTheLastIsRefused) {
+  DamageTable({{2, 60000}});
+  EXPECT_EQ(Check(0), NoPlace("0"));
+  EXPECT_EQ(Check(1), NoPlace("1"));
+}
+
+TEST_F(StnEntryCheckTest, EntryThatEndsBeforeItBeginsIsRefused) {
+  DamageTable({{2, 20}});
+  EXPECT_EQ(Check(0), NoPlace("0"));
+  EXPECT_EQ(Check(1), NoPlace("1"));
+}
+
+TEST_F(StnEntryCheckTest, EntryOfNoBytesHasAPlaceButNoRecord) {
+  UInt_t begin;
+  {
+    TStnEventFile file(kFile);
+    begin = GetBranch(file, "fPixelList").GetBasket(0)->GetKeylen();
+  }
+  DamageTable({{2, begin}});
+  EXPECT_EQ(Check(0), std::pair(false, std::string("ERR:TStnPixelList::Streamer() - object: found 0 bytes, expected at "
+                                                   "least 4, record skipped\n")));
+}
+
+TEST_F(StnEntryCheckTest, ClassThatOnlyTheEventBeforeNamedIsRefused) {
+  Bytes bytes = Load();
+  const std::string name = std::string("\xff\xff\xff\xffTMirrorPixelData") + '\0';
+  const auto first = std::search(bytes.begin(), bytes.end(), name.begin(), name.end());
+  const auto second = std::search(first + 1, bytes.end(), name.begin(), name.end());
+  ASSERT_NE(second, bytes.end());
+  Long64_t basket;
+  {
+    TStnEventFile file(kFile);
+    basket = GetBranch(file, "fPixelData").GetBasketSeek(0);
+  }
+  const UInt_t tag = 0x80000000 | (first - bytes.begin() - basket + 2);
+  Put(bytes, second - bytes.begin(), tag, 4);
+  Save(bytes);
+  TStnEventFile file(kFile);
+  LogCapture log;
+  ASSERT_TRUE(file.ReadEvent(&fEvent));
+  EXPECT_EQ(log.Take(), "");
+  ASSERT_TRUE(file.ReadEvent(&fEvent));
+  EXPECT_EQ(log.Take(),
+            "ERR:TMirrorPixelData::Streamer() - class tag: found " + std::to_string(tag) +
+                ", expected that of TMirrorPixelData, record skipped\n"
+                "ERR:TStnEventFile::ReadEvent() - file 'damaged.root', entry 1: 'fPixelData' is damaged, not "
+                "read\n");
 }
 
 }  // namespace
