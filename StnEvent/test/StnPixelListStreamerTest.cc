@@ -454,6 +454,14 @@ TEST_F(StnPixelListRefusalTest, FrameThatEndsInItsVersion) {
                 "ERR:TStnPixelList::Streamer() - frame: found 5 bytes, expected at least 6, record skipped\n");
 }
 
+TEST_F(StnPixelListRefusalTest, FrameThatEndsInItsVersionAfterOtherRecords) {
+  TList3 list({5});
+  const std::string before(20, 'x');
+  EXPECT_EQ(Read(list, before + TBytes().Add4(0x40000002).Add1(0), 20), 25);
+  EXPECT_EQ(fLog.Take(), "ERR:TStnPixelList::Streamer() - frame: found 5 bytes, expected at least 6, record skipped\n");
+  EXPECT_EQ(list.GetPixels(), Pixels({5}));
+}
+
 TEST_F(StnPixelListRefusalTest, RecordOfAFrameAlone) {
   ExpectRefused(Framed(4, ""), 6,
                 "ERR:TStnPixelList::Streamer() - TObject: found 0 bytes, expected at least 10, record skipped\n");
@@ -683,8 +691,21 @@ TEST_F(StnPixelListStreamerTest, RefusedVersionIsReportedAtPrintLevel2) {
 }
 
 TEST_F(StnPixelListRefusalTest, ChecksumThatIsCut) {
-  ExpectRefused(Framed(0, "abc"), 9,
-                "ERR:TStnPixelList::Streamer() - frame: found 9 bytes, expected at least 10, record skipped\n");
+  const std::string line =
+      "ERR:TStnPixelList::Streamer() - frame: found %d bytes, expected at least 10, record skipped\n";
+  for (UInt_t version : {0U, 0x8000U, 0xFFFFU}) {
+    ExpectRefused(Framed(version, ""), 6, Form(line.c_str(), 6));
+    ExpectRefused(Framed(version, "abc"), 9, Form(line.c_str(), 9));
+  }
+}
+
+TEST_F(StnPixelListRefusalTest, VersionsAbove255HaveNoChecksum) {
+  const Int_t level = gErrorIgnoreLevel;
+  gErrorIgnoreLevel = kFatal;
+  TList3 list({5});
+  EXPECT_EQ(Read(list, Framed(256, "")), 6);
+  EXPECT_EQ(fLog.Take(), "");
+  gErrorIgnoreLevel = level;
 }
 
 // Versions that only a description tells
