@@ -173,6 +173,31 @@ TEST_F(DamagedRecordTest, PartThatEndsInItsFrameIsRefused) {
   }
 }
 
+TEST_F(DamagedRecordTest, ByteCountOfAPartCoversItsVersion) {
+  const size_t at = FindRecord(fBytes, "TStnT3Data");
+  const UInt_t most =
+      (UChar_t(fBytes[FindPointer("TStnT3Data") + 3]) | UChar_t(fBytes[FindPointer("TStnT3Data") + 2]) << 8) - 4 -
+      sizeof("TStnT3Data") - 4;
+  for (UInt_t count : {0, 1, Int_t(most) + 1}) {
+    Put(fBytes, at, 0x40000000 | count, 4);
+    ExpectRefused("TStnT3Data::Streamer() - byte count: found " + std::to_string(count) + ", expected 2 to " +
+                  std::to_string(most));
+  }
+  Put(fBytes, at, 0x40000002, 4);
+  ExpectRefused("TStnT3Data::Streamer() - TObject: found 0 bytes, expected at least 10");
+}
+
+TEST_F(DamagedRecordTest, ByteCountOfAPointerCoversItsClassTag) {
+  const size_t at = FindPointer("TStnT3Data");
+  for (UInt_t count : {0, 3}) {
+    Put(fBytes, at, 0x40000000 | count, 4);
+    ExpectRefused("TStnT3Data::Streamer() - byte count of object: found " + std::to_string(count) + ", expected 4 to " +
+                  std::to_string(fBytes.size() - at - 4));
+  }
+  Put(fBytes, at, 0x40000004, 4);
+  ExpectRefused("TStnT3Data::Streamer() - class: found no name, expected TStnT3Data");
+}
+
 TEST_F(DamagedRecordTest, ArrayThatEndsBeforeItsTracesIsRefused) {
   const std::pair<size_t, const char*> texts[] = {
       {0, "frame: found 0 bytes, expected at least 6"},       {5, "frame: found 5 bytes, expected at least 6"},
