@@ -502,6 +502,16 @@ TEST(FadcDataOnFile, BaseLies64BelowTheMeanOfTheWordsNearATypicalOne) {
   }
 }
 
+TEST(FadcDataOnFile, BaseIsThatOfManyWordsAboveATypicalOneToo) {
+  UShort_t words[kN];
+  for (UInt_t bin = 0; bin < kN; ++bin)
+    words[bin] = bin % 5 < 3 ? 500 : 530;
+  MrTraceCode::Room room;
+  MrTraceCode code;
+  code.Encode(words, room);
+  EXPECT_EQ(code.fBase, 512 - 64);
+}
+
 TEST(FadcDataOnFile, ReadingLeavesARecordThatWasReferredTo) {
   TFADCData trace = MakeTrace();
   Record record = Record();
@@ -753,6 +763,38 @@ TEST(FadcDataDamaged, ObjectPartOfAnotherSizeIsRefused) {
   ExpectRefused(kObjectAt, 0x40, 1, "version of TObject: found 16385, expected below 256");
 }
 
+TEST(FadcDataDamaged, RecordThatEndsInItsObjectIsRefused) {
+  TFADCData trace = MakeTrace(50);
+  const Bytes whole = ToBytes(trace);
+  Bytes referenced = whole;
+  referenced[kObjectAt + 9] |= TObject::kIsReferenced;
+  const auto expect_refused = [](const Bytes& bytes, size_t size, const char* message) {
+    ExpectRefused(Shortened(bytes, size), size, message);
+  };
+  expect_refused(whole, 9, "frame: found 9, expected at least 10 bytes");
+  expect_refused(whole, 10, "TObject: found 4, expected at least 10 bytes");
+  expect_refused(whole, 15, "TObject: found 9, expected at least 10 bytes");
+  expect_refused(whole, 16, "end of record: found 0, expected at least 64 bytes");
+  expect_refused(referenced, 16, "TObject: found 10, expected at least 12 bytes");
+  expect_refused(referenced, 17, "TObject: found 11, expected at least 12 bytes");
+}
+
+TEST(FadcDataDamaged, ByteCountThatTheBufferLacksBehindAnotherRecordIsRefused) {
+  TFADCData trace = MakeTrace(50);
+  Bytes bytes = ToBytes(trace);
+  const size_t size = bytes.size();
+  Put(bytes, 0, 0x40000000 | (size - 3), 4);
+  bytes.insert(bytes.begin(), 20, 'x');
+  GuardedBytes memory(bytes);
+  TBufferFile b(TBuffer::kRead, bytes.size(), memory.Data(), kFALSE);
+  b.SetBufferOffset(20);
+  TFADCData back;
+  LogCapture log;
+  back.Streamer(b);
+  EXPECT_EQ(log.Take(), "ERR:TFADCData::Streamer() - byte count: found " + std::to_string(size - 3) +
+                            ", expected 2 to " + std::to_string(size - 4) + ", record skipped\n");
+}
+
 TEST(FadcDataDamaged, ShortRecordIsRefused) {
   TFADCData made = MakeTrace(50);
   const Bytes whole = ToBytes(made);
@@ -838,6 +880,36 @@ TEST(FadcDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
   Put(bytes, kVersionAt, later, 2);
   Put(bytes, kArraysAt, 0, 1);
   ExpectRefused(Followed(bytes), bytes.size(), "fWideHigh: found 0, expected 1");
+}
+
+/// Describes a version of the class that lacks a member.
+void DescribeVersionWithout(const char* name, Version_t version) {
+  auto* info = static_cast<TStreamerInfo*>(TFADCData::Class()->GetStreamerInfo()->Clone());
+  info->GetElements()->Remove(info->GetElements()->FindObject(name));
+  info->GetElements()->Compress();
+  info->SetClassVersion(version);
+  info->SetClass(TFADCData::Class());
+  info->BuildOld();
+  const_cast<TObjArray*>(TFADCData::Class()->GetStreamerInfos())->AddAtAndExpand(info, version);
+}
+
+TEST(FadcDataDamaged, LaterVersionThatDescribesNoArrayIsRefused) {
+  TFADCData trace = MakeTrace();
+  const Bytes bytes = ToBytes(trace);
+  const std::pair<const char*, size_t> arrays[] = {
+      {"fWideHigh", kNHighAt}, {"fWideLow", kNWideAt}, {"fFar", kNFarAt}, {"fNear", kNNearAt}};
+  Version_t version = TFADCData::Class_Version() + 10;
+  size_t at = kArraysAt;
+  for (const auto& [name, count_at] : arrays) {
+    const size_t size = 1 + 256 * UChar_t(bytes[count_at + 2]) + UChar_t(bytes[count_at + 3]);
+    DescribeVersionWithout(name, ++version);
+    Bytes without = bytes;
+    without.erase(without.begin() + at, without.begin() + at + size);
+    Put(without, 0, 0x40000000 | (without.size() - 4), 4);
+    Put(without, kVersionAt, version, 2);
+    ExpectRefused(Followed(without), without.size(), std::string(name) + ": found 0, expected 1");
+    at += size;
+  }
 }
 
 /// A record of class version 1, of the words from `first_low` on.

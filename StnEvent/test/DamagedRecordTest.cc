@@ -108,6 +108,11 @@ TEST_F(DamagedRecordTest, TimeStampOfAHeaderThatIsTooLongIsRefused) {
   EXPECT_EQ(header.GetMirrorDataBits(), 0U);
 }
 
+TEST_F(DamagedRecordTest, EventOfItsObjectPartAloneIsRefused) {
+  CutEvent(16);
+  ExpectRefused("TStnEventHeader::Streamer() - object: found 0 bytes, expected at least 4");
+}
+
 TEST_F(DamagedRecordTest, PointerBeyondTheRecordIsRefused) {
   const size_t at = Find(fBytes, "TStnFADCData") - 8;
   Put(fBytes, at, 0x40000000 | fBytes.size(), 4);
@@ -211,6 +216,18 @@ TEST_F(DamagedRecordTest, ArrayThatEndsBeforeItsTracesIsRefused) {
   }
 }
 
+TEST_F(DamagedRecordTest, ArrayWithALongNameIsRefusedIfTheNameIsCut) {
+  const size_t object = FindPointer("TObjArray");
+  const UInt_t count = UChar_t(fBytes[object + 2]) << 8 | UChar_t(fBytes[object + 3]);
+  const size_t name = FindRecord(fBytes, "TObjArray") + 6 + 10;
+  Put(fBytes, name, 0xFF, 1);
+  Put(fBytes, name + 1, 0x7FFFFFFF, 4);
+  ExpectRefused("TObjArray::Streamer() - fName: found 2147483647, expected at most " +
+                std::to_string(object + 4 + count - name - 5));
+  CutObject("TObjArray", 6 + 10 + 1 + 3);
+  ExpectRefused("TObjArray::Streamer() - fName: found 3 bytes, expected at least 4");
+}
+
 TEST_F(DamagedRecordTest, ArrayWithoutAByteCountIsRefused) {
   Put(fBytes, FindRecord(fBytes, "TObjArray"), 0, 4);
   ExpectRefused("TObjArray::Streamer() - version: found 0, expected 3");
@@ -226,6 +243,8 @@ TEST_F(DamagedRecordTest, ArrayThatNamesOneMoreTraceThanItHoldsIsRefused) {
   event.AddEvent(MakeMirrorEvent(2, 1).get());
   fBytes = ToBytes(event);
   ++fBytes[FindRecord(fBytes, "TObjArray") + 6 + 10 + 1 + 3];
+  // Behind the array, what could be taken for one more empty slot.
+  Put(fBytes, FindPointer("TStnPixelList"), 0, 4);
   ExpectRefused("TFADCData::Streamer() - object: found 0 bytes, expected at least 4");
 }
 
@@ -253,6 +272,24 @@ TEST_F(DamagedRecordTest, SlotWithAnObjectThatIsNoTraceIsRefused) {
   ExpectRefused("TFADCData::Streamer() - class: found TNamed, expected TFADCData");
 }
 
+TEST_F(DamagedRecordTest, TagsOfARecordThatWasMovedAreTaken) {
+  const UInt_t place = Find(fBytes, "TFADCData") - 4 + 2;
+  Bytes moved = fBytes;
+  for (size_t at = 0; at + 4 <= moved.size(); ++at) {
+    Bytes tag(4);
+    Put(tag, 0, 0x80000000 | place, 4);
+    if (std::equal(tag.begin(), tag.end(), moved.begin() + at)) Put(moved, at, 0x80000000 | (place - 8), 4);
+  }
+  ASSERT_NE(moved, fBytes);
+  GuardedBytes memory(moved);
+  TBufferFile read(TBuffer::kRead, moved.size(), memory.Data(), kFALSE);
+  read.SetBufferDisplacement(-8);
+  TStnEvent event;
+  event.Streamer(read);
+  EXPECT_EQ(fLog.Take(), "");
+  EXPECT_EQ(ToBytes(event), fBytes);
+}
+
 TEST_F(DamagedRecordTest, TraceWithTheTagOfAnotherClassIsRefused) {
   const UInt_t tag = 0x80000000 | (Find(fBytes, "TFADCData") - 4 + 2);
   Bytes tag_bytes(4);
@@ -278,6 +315,18 @@ TEST_F(DamagedRecordTest, ClassThatStoodInTheRecordBeforeIsTaken) {
   second.Streamer(read);
   EXPECT_EQ(fLog.Take(), "");
   EXPECT_EQ(ToBytes(second), fBytes);
+}
+
+TEST_F(DamagedRecordTest, OneTraceThatIsDamagedInsideCostsNoOther) {
+  // Frame, TObject part, and five members stand before the number of bytes with near words.
+  Put(fBytes, FindRecord(fBytes, "TFADCData") + 36, 0x7FFFFFFF, 4);
+  TStnEvent event;
+  FromBytes(fBytes, event);
+  EXPECT_THAT(fLog.Take(),
+              testing::MatchesRegex("ERR:TFADCData::Streamer\\(\\) - fNNear: found 2147483647, expected 0 or "
+                                    "[0-9]+, record skipped\n"));
+  EXPECT_EQ(event.GetFADCData()->GetNTraces(), 3U);
+  EXPECT_EQ(event.GetPixelList()->GetNumPixels(), 3U);
 }
 
 TEST_F(DamagedRecordTest, PartWithoutAVersionIsRefused) {

@@ -76,12 +76,6 @@ void WriteBaskets(UInt_t n, UInt_t n_in_basket, Int_t compress) {
   }
 }
 
-/// A data member that no operation of a branch shows.
-template <class T>
-T& BranchMember(TBranch& branch, const char* name) {
-  return *reinterpret_cast<T*>(reinterpret_cast<char*>(&branch) + TBranch::Class()->GetDataMemberOffset(name));
-}
-
 /// The damage of the first basket of the file when these bytes stand in its place.
 std::string FindDamageIn(const std::string& bytes) {
   TStnEventFile file(kName);
@@ -143,13 +137,13 @@ TEST_F(StnBasketKeyTest, OfABasketThatIsNotPackedHasNoDamage) {
 TEST_F(StnBasketKeyTest, OfABranchThatIsDamagedItselfIsNotLookedFor) {
   TStnEventFile file(kName);
   TBranch* branch = file.Get<TTree>("StnEventTree")->GetBranch(kBranch.c_str());
-  auto& last = BranchMember<Int_t>(*branch, "fWriteBasket");
+  auto& last = Member<Int_t>(*branch, "fWriteBasket", TBranch::Class());
   for (Int_t wrong : {-1, -(1 << 28), 1 << 28}) {
     last = wrong;
     EXPECT_EQ(StnBasketKey(*branch, 0, file.GetFd()).GetPlace(), 0) << wrong;
   }
   last = 1;
-  auto& first_entries = BranchMember<Long64_t*>(*branch, "fBasketEntry");
+  auto& first_entries = Member<Long64_t*>(*branch, "fBasketEntry", TBranch::Class());
   Long64_t* const there = std::exchange(first_entries, nullptr);
   EXPECT_EQ(StnBasketKey(*branch, 0, file.GetFd()).GetPlace(), 0);
   first_entries = there;

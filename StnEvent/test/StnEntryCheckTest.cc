@@ -4,6 +4,7 @@
 #include <StnEvent/StnEventFile.h>
 
 #include <LogCapture.h>
+#include <Members.h>
 #include <MirrorEvents.h>
 #include <RecordBuffers.h>
 
@@ -204,6 +205,40 @@ TEST_F(StnEntryCheckTest, EntriesOfEachOfSeveralBasketsAreLookedAt) {
   const_cast<Int_t*>(branch.GetBasket(2)->GetEntryOffset())[0] = 1;
   EXPECT_FALSE(IsEntrySound(branch, 6));
   EXPECT_TRUE(IsEntrySound(branch, 5));
+}
+
+TEST_F(StnEntryCheckTest, EntryOfABranchThatIsDamagedItselfIsLeftToRoot) {
+  TStnEventFile file(kFile);
+  TBranch& branch = GetBranch(file, "fPixelList");
+  auto& last = Member<Int_t>(branch, "fWriteBasket", TBranch::Class());
+  for (Int_t wrong : {-1, -(1 << 28), 1 << 28}) {
+    last = wrong;
+    EXPECT_TRUE(IsEntrySound(branch, 0)) << wrong;
+  }
+  last = 1;
+  auto& first_entries = Member<Long64_t*>(branch, "fBasketEntry", TBranch::Class());
+  Long64_t* const there = std::exchange(first_entries, nullptr);
+  EXPECT_TRUE(IsEntrySound(branch, 0));
+  first_entries = there;
+}
+
+TEST_F(StnEntryCheckTest, EntryOfABasketThatRootCannotReadIsLeftToIt) {
+  TStnEventFile file(kFile);
+  TBranch& branch = GetBranch(file, "fPixelList");
+  Member<Long64_t*>(branch, "fBasketSeek", TBranch::Class())[0] = 1 << 28;
+  EXPECT_TRUE(IsEntrySound(branch, 0));
+}
+
+TEST_F(StnEntryCheckTest, EntryThatItsBasketDoesNotCountIsRefused) {
+  Bytes bytes = Load();
+  {
+    TStnEventFile file(kFile);
+    const TBasket& basket = *GetBranch(file, "fPixelList").GetBasket(0);
+    Put(bytes, basket.GetSeekKey() + basket.GetKeylen() - 9, 1, 4);
+  }
+  Save(bytes);
+  EXPECT_EQ(Check(0), std::pair(true, std::string()));
+  EXPECT_EQ(Check(1), NoPlace("1"));
 }
 
 TEST_F(StnEntryCheckTest, TableOfAllEntriesIsEnough) {

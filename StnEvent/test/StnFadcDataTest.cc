@@ -14,6 +14,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -167,6 +168,13 @@ TEST_F(StnFadcDataTest, FirstPixelOfTheStationHasTheFirstSlot) {
   Add(data, 1, 1);
   EXPECT_NE(GetByStationPixel(data, 1), nullptr);
   EXPECT_EQ(GetByStationPixel(data, 2), nullptr);
+}
+
+TEST_F(StnFadcDataTest, FirstTraceIsAddedWhereADamagedRecordLeftNoArray) {
+  TStnFADCData data;
+  delete std::exchange(Member<TObjArray*>(data, "fFADCData"), nullptr);
+  Add(data, 1, 1);
+  EXPECT_NE(GetByStationPixel(data, 1), nullptr);
 }
 
 TEST_F(StnFadcDataTest, SmallContainerGrowsToAStation) {

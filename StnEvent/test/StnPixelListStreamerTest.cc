@@ -704,6 +704,7 @@ TEST_F(StnPixelListRefusalTest, VersionsAbove255HaveNoChecksum) {
   gErrorIgnoreLevel = kFatal;
   TList3 list({5});
   EXPECT_EQ(Read(list, Framed(256, "")), 6);
+  Read(list, TBytes().Add2(256).Add2(0));
   EXPECT_EQ(fLog.Take(), "");
   gErrorIgnoreLevel = level;
 }
@@ -803,8 +804,8 @@ TEST_F(StnPixelListRefusalTest, DescriptionWithoutAVector) {
 }
 
 TEST_F(StnPixelListRefusalTest, DescriptionWithAVectorBeforeItsSize) {
-  TDescription(8).AddVector().AddSize().Register();
-  ExpectRefused(Framed(8, Object().Add1(1).Add4(0)), 21,
+  TDescription(8).AddNumber("fNPixels", TStreamerInfo::kUInt, "UInt_t", 4).AddVector().AddSize().Register();
+  ExpectRefused(Framed(8, Object().Add4(0).Add1(1).Add4(0)), 25,
                 "ERR:TStnPixelList::Streamer() - fPixelVector: found a member of unknown size before fPixelVector, "
                 "expected numbers only, record skipped\n");
 }
@@ -814,6 +815,43 @@ TEST_F(StnPixelListRefusalTest, DescriptionWithAMemberOfUnknownSize) {
   ExpectRefused(Framed(7, Object().Add1(0).Add4(0).Add1(1)), 22,
                 "ERR:TStnPixelList::Streamer() - fName: found a member of unknown size before fPixelVector, expected "
                 "numbers only, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, MemberBehindTheVectorThatIsNotThere) {
+  TDescription(15)
+      .AddNumber("fNPixels", TStreamerInfo::kUInt, "UInt_t", 4)
+      .AddSize()
+      .AddVector()
+      .AddNumber("fMore", TStreamerInfo::kUInt, "UInt_t", 4)
+      .Register();
+  ExpectRefused(Framed(15, Object().Add4(1).Add4(2).Add1(1).AddWords({3, 0})), 33,
+                "ERR:TStnPixelList::Streamer() - fMore: found 0 bytes, expected at least 4, record skipped\n");
+}
+
+TEST_F(StnPixelListRefusalTest, DescriptionThatTakesThePlaceOfAnother) {
+  TDescription description(16);
+  description.AddNumber("fNPixels", TStreamerInfo::kUInt, "UInt_t", 4).AddSize().AddVector().Register();
+  const TBytes bytes = Framed(16, Object().Add4(1).Add4(2).Add1(1).AddWords({4, 0}));
+  TList3 list;
+  Read(list, bytes);
+  EXPECT_EQ(list.GetPixels(), Pixels({3}));
+  description.AddNumber("fMore", TStreamerInfo::kUInt, "UInt_t", 4);
+  static_cast<TStreamerInfo*>(TStnPixelList::Class()->GetStreamerInfos()->At(16))->SetCheckSum(1);
+  ExpectRefused(bytes, 33,
+                "ERR:TStnPixelList::Streamer() - fMore: found 0 bytes, expected at least 4, record skipped\n");
+}
+
+TEST_F(StnPixelListStreamerTest, MemberOfAnUnknownKindBehindTheVectorIsLeftToRoot) {
+  TDescription(17)
+      .AddNumber("fNPixels", TStreamerInfo::kUInt, "UInt_t", 4)
+      .AddSize()
+      .AddVector()
+      .AddNumber("fWeight", TStreamerInfo::kDouble32, "Double32_t", 8)
+      .Register();
+  TList3 list;
+  Read(list, Framed(17, Object().Add4(1).Add4(2).Add1(1).AddWords({4, 0}).Add4(0)));
+  EXPECT_EQ(fLog.Take(), "");
+  EXPECT_EQ(list.GetPixels(), Pixels({3}));
 }
 
 TEST_F(StnPixelListStreamerTest, RecordThatNothingDescribesIsSkippedByRoot) {
