@@ -81,10 +81,11 @@ void MakeEventBranch(TTree* tree, TStnEvent** event) {
   tree->Branch(gStnBranchName, TStnEvent::Class_Name(), event, 500, 1);
 }
 
-/// The branch of `TStnEvent` with this name, null if there is none. One of another class, in a file that is not ours,
-/// would be filled into the wrong place.
-TBranch* FindBranch(TTree* tree, const char* name) {
-  TBranch* branch = tree->GetBranch(name);
+/// The branch of `TStnEvent` with this name in a tree or below a branch, null if there is none. One of another class, in a
+/// file that is not ours, would be filled into the wrong place.
+template <class Parent>
+TBranch* FindBranch(Parent* parent, const char* name) {
+  TBranch* branch = parent->FindBranch(name);
   return branch && std::strcmp(branch->GetClassName(), TStnEvent::Class_Name()) == 0 ? branch : nullptr;
 }
 
@@ -310,7 +311,8 @@ Bool_t TStnEventFile::GetBranches(TStnEvent** event) {
     fEventHeaderBranch = nullptr;
   }
   fBranch->SetAddress(event);
-  if (!fEventHeaderBranch) fEventHeaderBranch = FindBranch(fTree, "fEventHeader");
+  // One that lies elsewhere in the tree would fill another event than that to which `event` is bound.
+  if (!fEventHeaderBranch) fEventHeaderBranch = FindBranch(fBranch, "fEventHeader");
   return fEventHeaderBranch ? kTRUE : ReportMissingBranch("fEventHeader");
 }
 

@@ -120,6 +120,17 @@ TEST_F(StnEventFileReadTest, TakesNoBranchOfAnotherClass) {
   EXPECT_EQ(fLog.Take(), kNoBranch);
 }
 
+TEST_F(StnEventFileReadTest, TakesNoHeaderBranchFromOutsideTheEvents) {
+  WritePlainFile("elsewhere.root", [this](TTree& tree) {
+    tree.Branch("fEventHeader", "TStnEvent", &fAddress, 500, 0);
+    tree.Branch("StnEvent", "TStnEvent", &fAddress, 500, 0);
+    tree.Fill();
+  });
+  OpenFile file("elsewhere.root");
+  EXPECT_FALSE(file.ReadEventHeader(&fHeader));
+  EXPECT_EQ(fLog.Take(), kNoHeaderBranch);
+}
+
 TEST_F(StnEventFileReadTest, ReportsAMissingHeaderBranchAndLeavesTheEvent) {
   WritePlainFile("unsplit.root", [this](TTree& tree) {
     FillEvent(fEvent, 0);

@@ -6,6 +6,7 @@ when unpacked, the time, the length of the key, its cycle, its own place, the pl
 name, title). A negative length is a gap.
 """
 
+import re
 import struct
 from dataclasses import dataclass
 
@@ -131,3 +132,10 @@ def mix_baskets(data, other, branch):
         data = _patched(data, mine.start, other[theirs.start : theirs.end][: mine.length].ljust(mine.length, b"\0"))
         data = lengthen_key(data, mine, mine.length)
     return data
+
+
+def exchange_names(data, name, other):
+    """Two texts of one length stand in each other's places, in all that is not compressed."""
+    assert len(name) == len(other)
+    places = {name.encode(): other.encode(), other.encode(): name.encode()}
+    return re.sub(b"|".join(map(re.escape, places)), lambda found: places[found[0]], data)

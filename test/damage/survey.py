@@ -17,9 +17,11 @@ import sys
 import tempfile
 
 import cases
+import shapes
 from reader import Reader, judge
 
 SEED = 1
+N_FAR_PLACES = 100  # behind 2 GB
 COMPRESSIONS = ("1", "404", "505", "0")
 VERDICTS = ("whole", "told", "ended", "wrong", "crash", "hang")
 
@@ -47,6 +49,11 @@ def survey(programs, folder, compression, part):
                     with open(damaged, "wb") as file:
                         file.write(contents)
                     outcome = reader.read(damaged)
+                    yield kind, what, judge(outcome, sound), outcome
+        for kind, make in shapes.KINDS.items():
+            for what, odd in make(programs, folder, path, chance, N_FAR_PLACES):
+                if chance.random() < part:
+                    outcome = reader.read(odd)
                     yield kind, what, judge(outcome, sound), outcome
 
 

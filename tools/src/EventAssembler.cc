@@ -18,6 +18,7 @@ namespace {
 const std::uint64_t kByteCountMask = 0x40000000;
 const std::uint64_t kNewClass = 0xffffffff;
 const std::size_t kNumberBytes = 4;
+const char* const kHeaderBranch = "fEventHeader";
 // The other bits of an object come anew with each writing.
 const UInt_t kUserBits = 0x00ffc000;
 
@@ -78,7 +79,7 @@ struct EventAssembler::Part {
 };
 
 const EventAssembler::Part EventAssembler::kParts[] = {{"TObject", "", "event identity"},
-                                                       {"fEventHeader", "TStnEventHeader", "header"},
+                                                       {kHeaderBranch, "TStnEventHeader", "header"},
                                                        {"fFADCData", "TStnFADCData", "traces"},
                                                        {"fPixelList", "TStnPixelList", "pixel list"},
                                                        {"fPixelData", "TStnPixelData", "pixel data"},
@@ -107,11 +108,12 @@ bool EventAssembler::IsPart(const std::string& branch) {
   return std::any_of(std::begin(kParts), std::end(kParts), [&](const Part& part) { return branch == part.fBranch; });
 }
 
-bool EventAssembler::HasHeader(TStnEvent& event) { return GetMember(event, "fEventHeader") != nullptr; }
+bool EventAssembler::HasHeader(TStnEvent& event) { return GetMember(event, kHeaderBranch) != nullptr; }
 
-// A tree that was saved says which parts its events have; those of older versions had fewer.
+// A tree that was saved says which parts its events have; those of older versions had fewer, but all a header.
 bool EventAssembler::IsExpected(const Part& part) const {
-  return !fTable.IsSaved() || fTable.GetBranches().count(part.fBranch) > 0;
+  return !fTable.IsSaved() || fTable.GetBranches().count(part.fBranch) > 0 ||
+         std::strcmp(part.fBranch, kHeaderBranch) == 0;
 }
 
 bool EventAssembler::AssemblePart(const Part& part, std::uint64_t entry, TStnEvent& event) {

@@ -6,8 +6,10 @@
 #include "RemoteFile.h"
 #include "ToolError.h"
 
+#include <TBranch.h>
 #include <TKey.h>
 #include <TSystem.h>
+#include <TTree.h>
 
 #include <unistd.h>
 
@@ -92,7 +94,17 @@ UInt_t InputFile::CountEvents() {
   if (!Has(kTreeName, "TTree")) return 0;
   UInt_t n_events = fFile->GetNEvents();
   RequireSound(true, "the list of events");
+  if (n_events > 0) RequireBranches();
   return n_events;
+}
+
+// Without them no event can be read, and that is said once.
+void InputFile::RequireBranches() const {
+  TBranch* events = fFile->Get<TTree>(kTreeName)->GetBranch("StnEvent");
+  if (events != nullptr && events->GetListOfBranches()->FindObject("fEventHeader") != nullptr) return;
+  throw ToolError(kCannotOpen, fPath + " is no station file: in its tree " + kTreeName + " there is no branch " +
+                                   (events == nullptr ? "StnEvent" : "fEventHeader of StnEvent") +
+                                   "; name a station file");
 }
 
 void InputFile::RequireEntry(UInt_t entry) const {

@@ -59,6 +59,7 @@ class InputFile {
   bool Has(const char* name, const char* class_name) const;
   void RequireStationFile() const;
   UInt_t CountEvents();
+  void RequireBranches() const;
   void RequireRecord(bool is_there, const char* what);
   void RequireSound(bool done, const std::string& what);
 

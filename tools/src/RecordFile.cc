@@ -182,6 +182,7 @@ std::optional<Record> RecordFile::ReadKey(std::uint64_t seek) const {
 // zeros at the end of the hole.
 std::uint64_t RecordFile::SkipHole(std::uint64_t seek) const {
   off_t data = lseek(fDescriptor, static_cast<off_t>(seek), SEEK_DATA);
+  if (data < 0 && errno == ENXIO) return fSize;  // the hole goes on to the end
   return data < 0 ? seek
                   : std::max(seek, static_cast<std::uint64_t>(data) - std::min<std::uint64_t>(data, kLeastKeyBytes));
 }

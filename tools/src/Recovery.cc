@@ -17,6 +17,10 @@ namespace StnTools {
 namespace {
 
 const char* const kTreeName = "StnEventTree";
+const char* const kClasses[] = {"TStnEvent",         "TStnEventHeader",  "TStnFADCData",     "TFADCData",
+                                "TStnPixelList",     "TStnPixelData",    "TMirrorPixelData", "TStnTriggerData",
+                                "TStnT3Data",        "TStnGeometryData", "TStnRunHeader",    "TStnRunTrailer",
+                                "VdRoot::TTimeStamp"};
 
 bool IsTree(const Record& record) { return record.fClass == "TTree" && record.fName == kTreeName; }
 bool IsBasket(const Record& record) { return record.IsBasket() && record.fTitle == kTreeName; }
@@ -36,6 +40,11 @@ bool ReadInto(TObject& object, const RecordFile& file, const Record& record) {
 }
 
 }  // namespace
+
+void Recovery::DescribeClasses() {
+  for (const char* name : kClasses)
+    TClass::GetClass(name)->GetStreamerInfo();
+}
 
 Recovery::Recovery(const std::string& path, const Step& step) : fFile(path), fStep(step) {
   RequireStationFile();

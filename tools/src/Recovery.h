@@ -25,6 +25,10 @@ class Recovery {
   /// Asked before each step that takes apart what a damaged file holds; if it answers false, the step is left out.
   using Step = std::function<bool(const std::string& step)>;
 
+  /// Lets ROOT describe today's classes by what they are, so that a damaged description of them in a file is not used for
+  /// what is written. To be called before the file is looked into.
+  static void DescribeClasses();
+
   /// Finds out what is there. Throws as `RecordFile`, and with `kCannotOpen` if nothing of a station file is.
   Recovery(const std::string& path, const Step& step);
 

@@ -52,6 +52,7 @@ std::size_t ChooseTree(const Options& options, const Recovery& recovery, nlohman
 }
 
 int Recover(const Options& options, const BadSteps& bad_steps, WorkerLine& line) {
+  Recovery::DescribeClasses();
   Recovery recovery(options.fInput, [&](const std::string& step) {
     line.Begin(step);
     return bad_steps.count(step) == 0;
