@@ -1,6 +1,7 @@
 """Kills an event builder in every way, and compares what stn-recover brings back with what was on disk.
 
-STN_CRASH_RUNS: number of kills at random moments, of kills in a write, and of cuts at random places (default: 6).
+STN_CRASH_RUNS: number of kills at random moments, of kills in a write, and of cuts at random places (default: 6); runs of
+more than 30 MB are killed one for each 30 of them.
 STN_CRASH_SEED: decides the moments (default: 1).
 STN_CRASH_FIGURES: folder that gets a file with the figures of each kind of test.
 """
@@ -20,6 +21,7 @@ from records import events_on_disk
 
 RUNS = int(os.environ.get("STN_CRASH_RUNS", "6"))
 SEED = int(os.environ.get("STN_CRASH_SEED", "1"))
+N_LONG_RUNS = RUNS // 30
 N_EVENTS = 400
 
 # How an event builder may have its tree put on disk.
@@ -30,6 +32,9 @@ BUILDERS = {
     "saved every 20 events": ("--save", "20", "--save-option", "SaveSelf"),
     "flushed and saved every 20 events": ("--save", "20", "--save-option", "FlushBaskets SaveSelf"),
 }
+
+
+CHECKSUMS = {}  # of the events, for each kind of run
 
 
 def combine(events):
@@ -54,16 +59,24 @@ class CrashTest(ProgramTest):
             cases, held, on_disk, recovered = self.totals
             figures.write(f"{cases} cases, promise held in {held}, {on_disk} events on disk, {recovered} recovered\n")
 
+    n_events = N_EVENTS
+    n_pixels = 12
+
+    @classmethod
+    def settings(cls):
+        return "--events", str(cls.n_events), "--pixels", str(cls.n_pixels)
+
     def truth(self):
         """The checksums of the events, taken before any writing."""
-        if not hasattr(CrashTest, "checksums"):
-            self.run_program("CrashWriter", "none", "--events", str(N_EVENTS), "--checksums", "truth.json")
-            CrashTest.checksums = json.loads(self.read("truth.json"))["events"]
-        return CrashTest.checksums
+        settings = self.settings()
+        if settings not in CHECKSUMS:
+            self.run_program("CrashWriter", "none", *settings, "--checksums", "truth.json")
+            CHECKSUMS[settings] = json.loads(self.read("truth.json"))["events"]
+        return CHECKSUMS[settings]
 
     def write_run(self, *args):
         """Exit code of a builder that ends itself."""
-        return self.run_program("CrashWriter", "run.root", "--events", str(N_EVENTS), *args)[0]
+        return self.run_program("CrashWriter", "run.root", *self.settings(), *args)[0]
 
     def recover(self, name="run.root"):
         """Recovers a file and requires just what is on disk: no event more, none less, and each as it was."""
@@ -94,20 +107,24 @@ class CrashTest(ProgramTest):
 
 
 class KilledAtRandom(CrashTest):
-    def kill(self, chance, builder):
-        """Starts a builder and kills it after some event and some time, perhaps when it is closing the file."""
+    def kill(self, chance, builder, first=1):
+        """Starts a builder and kills it after some event and some time, perhaps when it is closing the file. Answers with
+        the number of events that it had written."""
         writer = subprocess.Popen(
-            [os.path.join(BIN, "CrashWriter"), self.path("run.root"), "--events", str(N_EVENTS), *BUILDERS[builder]],
+            [os.path.join(BIN, "CrashWriter"), self.path("run.root"), *self.settings(), *BUILDERS[builder]],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
         )  # fmt: skip
-        wanted = chance.randint(1, N_EVENTS)
+        wanted, n_written = chance.randint(first, self.n_events), 0
         for line in writer.stdout:
-            if int(line) >= wanted:
+            n_written = int(line)
+            if n_written >= wanted:
                 break
         time.sleep(chance.uniform(0, 0.02))
         writer.kill()
+        n_written += writer.stdout.read().count(b"\n")
         writer.stdout.close()
         writer.wait()
+        return n_written
 
     def test_recovers_what_was_on_disk(self):
         for run in range(RUNS):
@@ -116,6 +133,32 @@ class KilledAtRandom(CrashTest):
             with self.subTest(run=run, builder=builder):
                 self.kill(chance, builder)
                 self.recover()
+                os.remove(self.path("run.root"))
+
+
+@unittest.skipUnless(N_LONG_RUNS, "with STN_CRASH_RUNS=30 and more")
+class KilledInALongRun(KilledAtRandom):
+    """At 30 MB of baskets ROOT writes them all, and from then on only each time that as many events again have come."""
+
+    n_events = 1600
+    n_pixels = 100
+    n_bytes = 30_000_000
+
+    def keep_losses(self, n_written, n_recovered):
+        if "STN_CRASH_FIGURES" in os.environ:
+            with open(os.path.join(os.environ["STN_CRASH_FIGURES"], "losses in long runs"), "a") as figures:
+                figures.write(f"{n_written} events written, {n_written - n_recovered} lost\n")
+
+    def test_recovers_what_was_on_disk(self):
+        builder = "as the library does it"
+        for run in range(N_LONG_RUNS):
+            chance = random.Random(f"{SEED} long {run}")
+            with self.subTest(run=run):
+                n_written = self.kill(chance, builder, self.n_events * 2 // 5)
+                self.assertGreater(os.path.getsize(self.path("run.root")), self.n_bytes)
+                n_recovered = self.recover()
+                self.assertLessEqual(n_recovered, n_written)
+                self.keep_losses(n_written, n_recovered)
                 os.remove(self.path("run.root"))
 
 

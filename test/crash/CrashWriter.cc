@@ -26,6 +26,7 @@ using namespace StnTools;
 struct Options {
   std::string fOutput;
   UInt_t fNEvents = 100;
+  UInt_t fPixels = 12;
   int fCompression = 1;
   int fFlush = 0;
   int fSave = 0;
@@ -48,9 +49,9 @@ ssize_t WriteAndDie(int descriptor, const void* bytes, size_t size) {
   return raise(SIGKILL);
 }
 
-SimulationSettings GetSettings() {
+SimulationSettings GetSettings(const Options& options) {
   SimulationSettings settings = SimulationSettings::Light();
-  settings.fPixels = 12;
+  settings.fPixels = options.fPixels;
   return settings;
 }
 
@@ -91,7 +92,7 @@ void SaveTree(const Options& options, TStnEventFile& file, UInt_t n_events) {
 }
 
 void WriteRun(const Options& options) {
-  Simulation simulation(GetSettings());
+  Simulation simulation(GetSettings(options));
   // Deleted only at the end of the run: whatever ends the process before has to do with an open file.
   auto* file = new TStnEventFile(options.fOutput.c_str(), "RECREATE", "", options.fCompression);
   auto* event = new TStnEvent;
@@ -113,7 +114,7 @@ void WriteRun(const Options& options) {
 }
 
 void WriteChecksums(const Options& options) {
-  Simulation simulation(GetSettings());
+  Simulation simulation(GetSettings(options));
   ChecksumList checksums;
   TStnEvent event;
   for (UInt_t trigger = 1; trigger <= options.fNEvents; ++trigger) {
@@ -139,6 +140,7 @@ int main(int argc, char** argv) {
   CLI::App app;
   app.add_option("OUT", options.fOutput)->required();
   app.add_option("--events", options.fNEvents);
+  app.add_option("--pixels", options.fPixels, "pixels with a trace in each event");
   app.add_option("--compression", options.fCompression);
   app.add_option("--flush", options.fFlush, "flush the baskets after so many events");
   app.add_option("--save", options.fSave, "save the tree after so many events");
