@@ -28,6 +28,24 @@ def folder(tmp_path, monkeypatch):
     return tmp_path
 
 
+class LongRun:
+    """The events of a run again and again."""
+
+    def __init__(self, run, n_events):
+        self.run, self.path, self.n_events = run, run.path, n_events
+
+    def __len__(self):
+        return self.n_events
+
+    def __getitem__(self, part):
+        return self.run[np.arange(self.n_events)[part] % len(self.run)]
+
+
+def resident_mib():
+    with open("/proc/self/statm", encoding="ascii") as pages:
+        return int(pages.read().split()[1]) * os.sysconf("SC_PAGE_SIZE") / 2**20
+
+
 def command(*args):
     done = runner.invoke(app, [str(arg) for arg in args])
     return done.exit_code, done.stdout, done.stderr
@@ -85,6 +103,23 @@ def test_no_more_than_a_chunk_is_in_a_row_group(run):
     convert(run, "out.parquet", chunk_size=2)
     file = pq.ParquetFile("out.parquet")
     assert [file.metadata.row_group(i).num_rows for i in range(file.num_row_groups)] == [2, 2, 1]
+
+
+@pytest.mark.parametrize("path", ["out.parquet", "out.root"])
+def test_memory_does_not_grow_with_the_run(run, path, monkeypatch):
+    from stnevent import convert as module
+
+    resident = []
+
+    def measured(events, traces, chunk=module._chunk):
+        resident.append(resident_mib())
+        return chunk(events, traces)
+
+    monkeypatch.setattr(module, "_chunk", measured)
+    convert(LongRun(run, 100_000), path, chunk_size=5000)
+    written, read_back = resident[:20], resident[20:]
+    assert written[-1] - written[5] < 10
+    assert read_back[-1] - read_back[5] < 10
 
 
 @pytest.mark.parametrize("path", ["out.parquet", "out.root"])

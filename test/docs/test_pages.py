@@ -148,6 +148,7 @@ class TroubleshootingTest(unittest.TestCase):
 class ToolsTest(unittest.TestCase):
     def test_every_program_has_a_section(self):
         programs = re.search(r"foreach\(program ([^)]+)\)", read("tools/CMakeLists.txt"))[1].split()
+        programs += re.findall(r"^(stn-\w+) =", read("python/pyproject.toml"), re.MULTILINE)
         self.assertEqual(sorted(re.findall(r"^## (stn-\w+)$", page("tools"), re.MULTILINE)), sorted(programs))
 
 

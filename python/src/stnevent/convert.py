@@ -81,7 +81,8 @@ class _NTuple:
     def read(self) -> Iterator[Chunk]:
         import uproot
 
-        with uproot.open(self._path) as file:
+        # Each part is read once: a cache would only grow.
+        with uproot.open(self._path, array_cache=None) as file:
             for first, last in zip(self._ends, self._ends[1:]):
                 yield file[NTUPLE].arrays(entry_start=first, entry_stop=last)
 
