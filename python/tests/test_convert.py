@@ -220,3 +220,12 @@ def test_the_command_is_a_program():
         capture_output=True, text=True, check=True,
     )
     assert done.stdout == f"stn-convert (StnEvent {stnevent.__version__})\n"
+
+
+def test_the_command_completes_its_options():
+    program = "import sys; sys.argv[0] = 'stn-convert'; from stnevent.convert import main; main()"
+    asked = {"_STN_CONVERT_COMPLETE": "complete_bash", "COMP_WORDS": "stn-convert --tr", "COMP_CWORD": "1"}
+    done = subprocess.run(
+        [sys.executable, "-W", "ignore", "-c", program], env=os.environ | asked, capture_output=True, text=True, check=True
+    )
+    assert done.stdout.split() == ["--traces"]

@@ -182,7 +182,7 @@ def _show_version(wanted: bool) -> None:
         raise typer.Exit()
 
 
-app = typer.Typer(add_completion=False, rich_markup_mode=None)
+app = typer.Typer(rich_markup_mode=None)
 
 
 @app.command(epilog=_EXIT_CODES)
