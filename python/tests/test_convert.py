@@ -190,6 +190,12 @@ def test_the_command_says_that_there_is_no_file():
     assert command("none.root", "out.root") == (3, "", "stn-convert: none.root does not exist; check the name\n")
 
 
+def test_the_command_wants_a_copy_of_what_is_on_a_server():
+    address = "https://server/run.root"
+    text = f"stn-convert: {address} is an address; copy the file first, this program needs all of it\n"
+    assert command(address, "out.root") == (2, "", text)
+
+
 def test_the_command_refuses_what_is_no_station_file(folder):
     (folder / "notes.root").write_text("nothing to see")
     code, output, error = command("notes.root", "out.root")

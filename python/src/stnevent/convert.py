@@ -5,6 +5,7 @@ from __future__ import annotations
 import builtins
 import contextlib
 import os
+import re
 import sys
 import warnings
 from collections.abc import Callable, Iterator
@@ -167,6 +168,8 @@ def _end(code: int, text: str) -> None:
 
 
 def _open(path: str) -> File:
+    if re.match(r"(?!file:)[a-z0-9]+://", path):
+        _end(2, f"{path} is an address; copy the file first, this program needs all of it")
     try:
         return open(path)
     except FileNotFoundError:
