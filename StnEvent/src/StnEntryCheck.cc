@@ -14,15 +14,15 @@
 
 namespace {
 
-/// The class of the objects that a branch has pointers to; null for a branch of anything else.
-TClass* GetPointedClass(TBranch& branch) {
+/// The description of what a branch holds; null for a branch of an event as a whole.
+const TStreamerElement* FindElement(TBranch& branch) {
   auto* element_branch = dynamic_cast<TBranchElement*>(&branch);
   TStreamerInfo* description = element_branch ? element_branch->GetInfo() : nullptr;
-  if (!description) return nullptr;
-  const auto* element = static_cast<TStreamerElement*>(description->GetElements()->FindObject(branch.GetName()));
-  const bool is_pointer =
-      element && (element->GetType() == TStreamerInfo::kObjectP || element->GetType() == TStreamerInfo::kAnyP);
-  return is_pointer ? element->GetClassPointer() : nullptr;
+  return description ? static_cast<TStreamerElement*>(description->GetElements()->FindObject(branch.GetName())) : nullptr;
+}
+
+bool IsPointer(const TStreamerElement& element) {
+  return element.GetType() == TStreamerInfo::kObjectP || element.GetType() == TStreamerInfo::kAnyP;
 }
 
 /// The place of the basket that has an entry in the list of baskets; -1 if there is none.
@@ -71,8 +71,11 @@ struct Basket {
 }  // namespace
 
 bool IsEntrySound(TBranch& branch, Long64_t entry) {
-  TClass* cl = GetPointedClass(branch);
-  if (!cl || entry < 0 || entry >= branch.GetEntries()) return true;
+  const TStreamerElement* element = FindElement(branch);
+  if (!element || entry < 0 || entry >= branch.GetEntries()) return true;
+  const bool is_pointer = IsPointer(*element);
+  TClass* cl = element->GetClassPointer();
+  if (!cl || (!is_pointer && element->GetType() != TStreamerInfo::kTObject)) return true;
   const Int_t number = FindBasket(branch, entry);
   TBasket* in_memory = number < 0 ? nullptr : branch.GetBasket(number);
   if (!in_memory || !in_memory->GetBufferRef() || !in_memory->GetBufferRef()->IsReading()) return true;
@@ -87,5 +90,6 @@ bool IsEntrySound(TBranch& branch, Long64_t entry) {
   basket.fBuffer.ResetMap();
   basket.fBuffer.SetBufferDisplacement();
   basket.fBuffer.SetBufferOffset(static_cast<Int_t>(basket.GetBegin(index)));
-  return MrRecordCheck(basket.fBuffer, basket.GetEnd(index), cl).HasPointer();
+  MrRecordCheck record(basket.fBuffer, basket.GetEnd(index), cl);
+  return is_pointer ? record.HasPointer() : record.SkipObject();
 }

@@ -66,12 +66,12 @@ class StnEntryCheckTest : public testing::Test {
     Save(bytes);
   }
 
-  /// Overwrites numbers of the table behind the entries of the pixel lists: how many there are, and where each begins.
-  static void DamageTable(const std::vector<std::pair<size_t, UInt_t>>& numbers) {
+  /// Overwrites numbers of the table behind the entries of a branch: how many there are, and where each begins.
+  static void DamageTable(const std::vector<std::pair<size_t, UInt_t>>& numbers, const char* branch = "fPixelList") {
     Bytes bytes = Load();
     {
       TStnEventFile file(kFile);
-      const TBasket& basket = *GetBranch(file, "fPixelList").GetBasket(0);
+      const TBasket& basket = *GetBranch(file, branch).GetBasket(0);
       for (const auto& [index, number] : numbers)
         Put(bytes, basket.GetSeekKey() + basket.GetLast() + 4 * index, number, 4);
     }
@@ -280,6 +280,24 @@ TEST_F(StnEntryCheckTest, EntryOfNoBytesHasAPlaceButNoRecord) {
   DamageTable({{2, begin}});
   EXPECT_EQ(Check(0), std::pair(false, std::string("ERR:TStnPixelList::Streamer() - object: found 0 bytes, expected at "
                                                    "least 4, record skipped\n")));
+}
+
+TEST_F(StnEntryCheckTest, PlaceOfTheEventsOwnPartOutsideItsBasketIsNotRead) {
+  DamageTable({{1, 1 << 24}}, "TObject");
+  ExpectLeftOut("TObject", "TObject::Streamer() - place of entry 0: found none, expected one inside its basket");
+  EXPECT_EQ(fEvent->GetEventHeader()->GetEventNo(), 11U);
+  EXPECT_EQ(fEvent->GetFADCData()->GetNTraces(), 3U);
+}
+
+TEST_F(StnEntryCheckTest, EventsOwnPartThatIsCutIsNotRead) {
+  Int_t begin;
+  {
+    TStnEventFile file(kFile);
+    begin = GetBranch(file, "TObject").GetBasket(0)->GetKeylen();
+  }
+  DamageTable({{2, begin + 9}}, "TObject");
+  ExpectLeftOut("TObject", "TObject::Streamer() - TObject: found 9 bytes, expected at least 10");
+  EXPECT_EQ(fEvent->GetEventHeader()->GetEventNo(), 11U);
 }
 
 TEST_F(StnEntryCheckTest, ClassThatOnlyTheEventBeforeNamedIsRefused) {
