@@ -193,6 +193,8 @@ T* TStnEventFile::GetWhole(const char* name) {
 Bool_t TStnEventFile::GetTree() {
   if (fTree) return kTRUE;
   fTree = GetWhole<TTree>(gStnTreeName);
+  // Out of a record that was lost to zeros ROOT makes an empty tree without a name.
+  if (fTree && std::strcmp(fTree->GetName(), gStnTreeName) != 0) fTree = nullptr;
   if (!fTree) {
     VD_ERROR << "TStnEventFile::GetTree() - no Tree with name '" << gStnTreeName << "' found !" << std::endl;
     return kFALSE;

@@ -7,6 +7,7 @@
 #include <TBasket.h>
 #include <TBranch.h>
 #include <TClass.h>
+#include <TKey.h>
 #include <TNamed.h>
 #include <TROOT.h>
 #include <TTree.h>
@@ -86,6 +87,20 @@ TEST_F(StnEventFileReadTest, ReportsAMissingTreeAndLeavesTheEvent) {
   EXPECT_FALSE(file.ReadEventHeader(&fHeader));
   EXPECT_EQ(fLog.Take(), kNoTree);
   EXPECT_TRUE(IsEvent(fEvent, 1));
+}
+
+TEST_F(StnEventFileReadTest, TakesNoTreeThatWasLostToZeros) {
+  {
+    OpenFile file("lost.root", "RECREATE", "", 0);
+    file.WriteEvent(&fAddress);
+    file.Close();
+  }
+  const Long64_t begin = OpenFile("lost.root").GetKey("StnEventTree")->GetSeekKey();
+  const std::string zeros(200, '\0');
+  std::fstream("lost.root", std::ios::in | std::ios::out | std::ios::binary).seekp(begin).write(zeros.data(), 200);
+  OpenFile file("lost.root");
+  EXPECT_FALSE(file.ReadEvent(&fAddress));
+  EXPECT_EQ(fLog.Take(), kNoTree);
 }
 
 TEST_F(StnEventFileReadTest, LooksForAMissingTreeAgain) {
