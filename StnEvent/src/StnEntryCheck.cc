@@ -18,7 +18,8 @@ namespace {
 const TStreamerElement* FindElement(TBranch& branch) {
   auto* element_branch = dynamic_cast<TBranchElement*>(&branch);
   TStreamerInfo* description = element_branch ? element_branch->GetInfo() : nullptr;
-  return description ? static_cast<TStreamerElement*>(description->GetElements()->FindObject(branch.GetName())) : nullptr;
+  return description ? static_cast<TStreamerElement*>(description->GetElements()->FindObject(branch.GetName()))
+                     : nullptr;
 }
 
 bool IsPointer(const TStreamerElement& element) {
