@@ -5,58 +5,73 @@ set -euo pipefail
 programs=$(readlink -f "$1") corpus=$(readlink -f "$2") seconds=$4
 mkdir -p "$3"
 found=$(readlink -f "$3")
-files="$corpus/../../old/golden $corpus/../../golden"
-export programs corpus found seconds files
+export programs corpus found seconds
 
 # ROOT loses objects when a read fails, deletes objects by a size of its own choice, and may ask for too much memory.
 export ASAN_OPTIONS=detect_leaks=0:new_delete_type_mismatch=0:allocator_may_return_null=1:quarantine_size_mb=32:handle_abort=1
 export UBSAN_OPTIONS=print_stacktrace=1
-export options="-rss_limit_mb=3000 -timeout=60"
+export options="-rss_limit_mb=3000 -timeout=60 -print_final_stats=1"
 
-# Whole files run in processes that may end: ROOT does not survive all that it is given.
+# One target, each process with a log of its own. ROOT does not survive all whole files that it is given: that target then
+# begins again with what is left of its time.
 fuzz() { # TARGET
-  local first=$corpus/$1 more=""
-  if [[ $1 == file ]]; then first=$files more="-fork=1 -ignore_crashes=1 -ignore_ooms=1 -ignore_timeouts=1"; fi
+  local end=$((SECONDS + seconds)) n=0 more=""
+  if [[ $1 == file ]]; then more="-max_len=24000"; fi
   mkdir -p "$found/$1"
   cd "$found/$1"
-  # shellcheck disable=SC2086 # lists
-  "$programs/$1" $options $more -max_total_time="$seconds" -artifact_prefix="$found/$1-" . $first > "$found/$1.log" 2>&1 || true
+  while ((SECONDS < end)); do
+    n=$((n + 1))
+    # shellcheck disable=SC2086 # lists
+    "$programs/$1" $options $more -max_total_time=$((end - SECONDS)) -artifact_prefix="$found/$1-" . "$corpus/$1" \
+      > "$found/$1.$n.log" 2>&1 && break
+    [[ $1 == file ]] || break
+  done
 }
 
 # The first function in the stack that belongs neither to the sanitizers nor to the C library, with its file.
 culprit() { # LOG
-  grep -aE '^ +#[0-9]+ 0x' "$1" | grep -avE 'fuzzer::|__interceptor|__asan|__ubsan|__sanitizer|/libc\.so|/libstdc\+\+' | head -n 1
+  grep -aE '^ +#[0-9]+ 0x' "$1" | grep -avE 'fuzzer::|__interceptor|__asan|__ubsan|__sanitizer| in operator (new|delete)|/libc\.so|/libstdc\+\+' | head -n 1
 }
 
-# The readers of records must survive everything. Of whole files ROOT reads much by itself.
-judge() { # ARTIFACT
-  local name=${1##*/} log=$1.log place
-  local target=${name%%-*}
-  # shellcheck disable=SC2086
-  if "$programs/$target" $options "$1" > "$log" 2>&1; then
-    echo "  $name: gone when run alone"
+is_in_root() { [[ $(culprit "$1") == *"/ROOT/lib/"* ]]; }
+
+# The readers of records must survive everything. Of whole files ROOT reads much by itself; what it leaves behind can end
+# the process later, so what seems to be ours is tried once more alone.
+judge() { # LOG
+  local artifact name target
+  artifact=$(sed -n 's/.*Test unit written to //p' "$1")
+  name=${artifact##*/}
+  target=${name%%-*}
+  if [[ -z $artifact ]]; then
+    echo "  $1: ended without an input"
+    return 1
+  fi
+  if [[ $target == file ]] && is_in_root "$1"; then
+    echo "  $name: in ROOT:$(culprit "$1" | sed 's/.* in//')"
     return 0
   fi
-  place=$(culprit "$log")
-  if [[ $target == file && $place == *"/ROOT/lib/"* ]]; then
-    echo "  $name: in ROOT:${place#*in}"
+  # shellcheck disable=SC2086 # a list
+  if "$programs/$target" $options "$artifact" > "$artifact.log" 2>&1; then
+    echo "  $name: gone when run alone"
+  elif [[ $target == file ]] && is_in_root "$artifact.log"; then
+    echo "  $name: in ROOT when run alone:$(culprit "$artifact.log" | sed 's/.* in//')"
   else
-    echo "  $name: ${place#*in}"
+    echo "  $name:$(culprit "$artifact.log" | sed 's/.* in//')"
     return 1
   fi
 }
 
 export -f fuzz
-rm -f "$found"/*-crash-* "$found"/*-oom-* "$found"/*-timeout-*
+rm -f "$found"/*-crash-* "$found"/*-oom-* "$found"/*-timeout-* "$found"/*.log
 # shellcheck disable=SC2012
 ls "$programs" | xargs -P 2 -I{} bash -c 'fuzz {}'
 
 bad=0
-for log in "$found"/*.log; do
-  target=$(basename "$log" .log)
-  echo "$target: $(grep -aoE '^#[0-9]+' "$log" | tail -n 1 | tr -d '#') inputs"
-  for artifact in "$found/$target"-{crash,oom,timeout}-*; do
-    if [[ -e $artifact && $artifact != *.log ]]; then judge "$artifact" || bad=1; fi
+for program in "$programs"/*; do
+  target=${program##*/}
+  echo "$target: $(cat "$found/$target".*.log | awk '/^stat::number_of_executed_units/ { n += $2 } END { print n + 0 }') inputs"
+  for log in "$found/$target".*.log; do
+    if ! grep -aq '^Done [0-9]* runs' "$log"; then judge "$log" || bad=1; fi
   done
 done
 exit $bad
