@@ -28,9 +28,10 @@ fuzz() { # TARGET
   done
 }
 
-# The first function in the stack that belongs neither to the sanitizers nor to the C library, with its file.
+# The first function in the stack that belongs neither to the sanitizers nor to the C library, with its file. What the
+# sanitizers put in the place of functions of that library lies in the program itself, and has no line in a source.
 culprit() { # LOG
-  grep -aE '^ +#[0-9]+ 0x' "$1" | grep -avE 'fuzzer::|__interceptor|__asan|__ubsan|__sanitizer| in operator (new|delete)|/libc\.so|/libstdc\+\+' | head -n 1
+  grep -aE '^ +#[0-9]+ 0x' "$1" | grep -avE "fuzzer::|\\($programs/|/libc\\.so|/libstdc\\+\\+" | head -n 1
 }
 
 is_in_root() { [[ $(culprit "$1") == *"/ROOT/lib/"* ]]; }
