@@ -1,5 +1,5 @@
 // flush_cost [ROUNDS]: what it costs to put events on disk more often than the library does. Prints the table of
-// docs/builder.md. In each round all ways take turns; the files go to $TMPDIR, else /tmp.
+// docs/builder.md. In each round all ways take turns; 0 is one round with few events. The files go to $TMPDIR, else /tmp.
 
 #include "Stopwatch.h"
 #include "Workload.h"
@@ -104,11 +104,12 @@ int main(int argc, char** argv) {
   const std::string path = std::string(folder ? folder : "/tmp") + "/flush_cost." + std::to_string(getpid()) + ".root";
   std::cout << "| run | way | events/s of CPU time | events/s | bytes | more |\n|---|---|---|---|---|---|" << std::endl;
   for (const auto& run : kRuns) {
-    const Events events(GetWorkloads()[run.fWorkload], 50);
+    const int n_events = n_rounds > 0 ? run.fNEvents : kEvery;
+    const Events events(GetWorkloads()[run.fWorkload], std::min(n_events, 50));
     std::map<const Way*, Results> all;
-    for (int round = 0; round < n_rounds; ++round)
+    for (int round = 0; round < std::max(n_rounds, 1); ++round)
       for (const Way& way : kWays)
-        Measure(path, events, run.fNEvents, way, all[&way]);
+        Measure(path, events, n_events, way, all[&way]);
     Show(run.fName, all);
   }
   return unlink(path.c_str());
