@@ -15,5 +15,7 @@ install(FILES "${CMAKE_BINARY_DIR}/StnEventConfig.cmake" "${CMAKE_BINARY_DIR}/St
 file(RELATIVE_PATH pc_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 set(pc_root_include "${ROOT_INCLUDE_DIRS}")
 set(pc_root_lib "${ROOT_LIBRARY_DIR}")
+# A program finds the libraries in any prefix, as one that CMake builds does.
+set(pc_root_rpath " -Wl,-rpath,\${libdir} -Wl,-rpath,${pc_root_lib}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/StnEvent.pc.in" "${CMAKE_BINARY_DIR}/StnEvent.pc" @ONLY)
 install(FILES "${CMAKE_BINARY_DIR}/StnEvent.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

@@ -43,8 +43,7 @@ check "README examples" "10: 0 pixels" by-cmake/analyst
 
 export PKG_CONFIG_PATH=$lib/pkgconfig
 # shellcheck disable=SC2046,SC2086 # flags are words
-${CXX:-c++} ${CXXFLAGS:-} "$consumer/consumer.cc" -o by-pkg-config $(pkg-config --cflags --libs StnEvent) \
-  -Wl,-rpath,"$lib:$(dirname "$root_dir")/lib"
+${CXX:-c++} ${CXXFLAGS:-} "$consumer/consumer.cc" -o by-pkg-config $(pkg-config --cflags --libs StnEvent)
 check "pkg-config" "$event" ./by-pkg-config
 
 for name in StnEvent=2 MrEvent=4 VdUtil=1; do
