@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # run.sh PROGRAMS CORPUS FOUND SECONDS: runs each fuzz target for so many seconds, two at a time, and fails if one found
-# something in our code. FOUND keeps new inputs for the next run, logs, and the inputs that ended a process.
+# something in our code. FOUND keeps new inputs for the next run, logs, and the inputs that ended a process. STN_FUZZ_SEED
+# decides what is left to chance; without it each run is another one.
 set -euo pipefail
 programs=$(readlink -f "$1") corpus=$(readlink -f "$2") seconds=$4
 mkdir -p "$3"
@@ -10,7 +11,7 @@ export programs corpus found seconds
 # ROOT loses objects when a read fails, deletes objects by a size of its own choice, and may ask for too much memory.
 export ASAN_OPTIONS=detect_leaks=0:new_delete_type_mismatch=0:allocator_may_return_null=1:quarantine_size_mb=32:handle_abort=1
 export UBSAN_OPTIONS=print_stacktrace=1
-export options="-rss_limit_mb=3000 -timeout=60 -print_final_stats=1"
+export options="-rss_limit_mb=3000 -timeout=60 -print_final_stats=1 -seed=${STN_FUZZ_SEED:-0}"
 
 # One target, each process with a log of its own. ROOT does not survive all whole files that it is given: that target then
 # begins again with what is left of its time.
