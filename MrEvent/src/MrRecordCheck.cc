@@ -41,8 +41,17 @@ UInt_t GetNumberSize(Int_t type) {
 
 bool ChecksItself(const TClass* cl) { return cl->GetStreamerFunc() || cl->HasCustomStreamerMember(); }
 
+/// Words joined by pairs of colons: ROOT's own parser of names throws on some others.
 bool IsClassName(const std::string& name) {
-  return std::all_of(name.begin(), name.end(), [](UChar_t c) { return std::isalnum(c) || c == '_' || c == ':'; });
+  if (name[0] == ':') return false;
+  int n_colons = 0;
+  for (const UChar_t c : name) {
+    if (c != ':' && n_colons == 1) return false;
+    if (c != ':' && c != '_' && !std::isalnum(c)) return false;
+    n_colons = c == ':' ? n_colons + 1 : 0;
+    if (n_colons > 2) return false;
+  }
+  return n_colons == 0;
 }
 
 /// A variable has another value for as long as this lives.

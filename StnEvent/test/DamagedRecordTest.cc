@@ -139,6 +139,14 @@ TEST_F(DamagedRecordTest, ClassWithoutANameIsRefused) {
   ExpectRefused("TStnT3Data::Streamer() - class: found no name, expected TStnT3Data");
 }
 
+TEST_F(DamagedRecordTest, NameWithOtherThanPairsOfColonsBetweenWordsIsNone) {
+  const size_t at = Find(fBytes, "TStnT3Data");
+  for (const std::string name : {"std:::Data", "TStn:T3Dat", "::StnT3Dat", "TStnT3Da::", "TStnT3Dat:"}) {
+    std::copy(name.begin(), name.end(), fBytes.begin() + at);
+    ExpectRefused("TStnT3Data::Streamer() - class: found no name, expected TStnT3Data");
+  }
+}
+
 TEST_F(DamagedRecordTest, NameOfAClassThatIsNotThereIsToldAsItStands) {
   const size_t at = Find(fBytes, "TStnT3Data");
   for (const std::string name : {"TStn_T3Dat", "TStn::T3Da", "TStn5T3Dat"}) {
