@@ -67,7 +67,7 @@ class DamageTest(unittest.TestCase):
             run = survey.simulate(BIN, folder, "run.root", "1", 1)[0]
             sound = reader.read(run)
             for kind, make in shapes.KINDS.items():
-                for what, path in make(BIN, folder, run, random.Random(kind), 3):
+                for what, path in make(BIN, folder, run, random.Random(kind), 5):
                     outcome = reader.read(path)
                     expected = ("whole",) if what in WHOLE else ("told",)
                     if " xor " in what:

@@ -57,11 +57,11 @@ def _flip(path, place, mask):
 
 
 def large(programs, folder, run, chance, n_places):
-    """Good, with a flipped bit behind the border of 2 GB, and cut there; and a large file with nothing in it."""
+    """Good, with a flipped bit behind the border of 2 GB, and cut there, which is tried most; and large files of nothing."""
     path = make_odd(programs, "large", os.path.join(folder, "large.root"), run, str(STEP))
     yield "good", path
     behind = [place for begin, end in _stretches(path) if begin >= BORDER for place in range(begin, end)]
-    for place in chance.sample(behind, n_places):
+    for place in chance.sample(behind, n_places // 5):
         mask = 1 << chance.randrange(8)
         _flip(path, place, mask)
         yield f"byte {place} xor {mask}", path
