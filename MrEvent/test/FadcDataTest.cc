@@ -717,6 +717,7 @@ TEST(FadcDataDamaged, FarWordWithoutItsBytesIsRefused) {
 
 TEST(FadcDataDamaged, HalfByteBehindTheLastWordIsRefused) {
   ExpectEndRefused(MakeQuietTrace(999), 1, 0xf7, "fNear: found 247, expected 0 to 15");
+  ExpectEndRefused(MakeQuietTrace(999), 1, 0x10, "fNear: found 16, expected 0 to 15");
   ExpectEndRefused(MakeQuietTrace(1000, {{999, 190}}), 502, 0xf9, "fFar: found 249, expected 0 to 15");
 }
 

@@ -427,11 +427,12 @@ TEST(MiPixelDataDamaged, MissingArrayIsRefused) {
   ExpectRefused(kPixelNoAt + 3 * 2, 0, 1, "fTriggerWord: found 0, expected 1");
 }
 
-TEST(MiPixelDataDamaged, RecordThatEndsInAnArrayIsRefused) {
+TEST(MiPixelDataDamaged, RecordThatEndsBeforeItsArraysOrInOneIsRefused) {
   TMirrorPixelData made = MakeData();
   const Bytes whole = ToBytes(made);
   for (const auto& [size, message] :
-       {std::pair<size_t, const char*>{kPixelNoAt + 5, "fPixelNo: found 6, expected at least 7 bytes"},
+       {std::pair<size_t, const char*>{16, "end of record: found 0, expected at least 4 bytes"},
+        {kPixelNoAt + 5, "fPixelNo: found 6, expected at least 7 bytes"},
         {kPixelNoAt + 6 + 48, "fTriggerWord: found 48, expected at least 49 bytes"}}) {
     TMirrorPixelData back;
     LogCapture log;

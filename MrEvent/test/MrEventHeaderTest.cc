@@ -65,7 +65,7 @@ void ExpectMadeHeader(const Header& header) {
 
 TEST(MrEventHeader, NewHeaderIsZeroInTheCurrentFormat) {
   const Header header;
-  EXPECT_EQ(header.GetVersion(), Header::kCurrentVersion);
+  EXPECT_EQ(header.GetVersion(), 4);
   EXPECT_EQ(header.GetMirrorNumber()->fMirrorNumber, 0);
   EXPECT_EQ(header.GetEventLabel(), Header::kUnlabelled);
   EXPECT_EQ(header.GetEventNo(), 0u);

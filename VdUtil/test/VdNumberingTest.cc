@@ -44,6 +44,24 @@ void ForEachPixel(Function function) {
 
 }  // namespace
 
+TEST(VdNumbering, FieldsHaveTheirWidths) {
+  Vd::_PixelNumber pixel;
+  pixel.fPixelNumber = -1;
+  EXPECT_EQ(pixel.fBits.fPixelNo, 511U);
+  EXPECT_EQ(pixel.fBits.fMirrorNo, 7U);
+  EXPECT_EQ(pixel.fBits.fStnNo, 7U);
+  EXPECT_EQ(pixel.fBits.fTrigger, 1U);
+  Vd::_VdPixelNumber vd_pixel;
+  vd_pixel.fPixelNumber = -1;
+  EXPECT_EQ(vd_pixel.fBits.fPixelNo, 16383U);
+  EXPECT_EQ(vd_pixel.fBits.fBit0, 1U);
+  EXPECT_EQ(vd_pixel.fBits.fBit1, 1U);
+  Vd::_MirrorNumber mirror;
+  mirror.fMirrorNumber = -1;
+  EXPECT_EQ(mirror.fBits.fMirrorNo, 31U);
+  EXPECT_EQ(mirror.fBits.fStnNo, 7U);
+}
+
 TEST(VdNumbering, HasTheConstantsOfTheInstrument) {
   EXPECT_EQ(Vd::kVD_FIRST_STN, 1u);
   EXPECT_EQ(Vd::kVD_LAST_STN, 5u);

@@ -31,6 +31,8 @@ INCLUDED_AS = {"StnEvent/src": "StnEvent", "MrEvent/src": "MrEvent", "VdUtil/src
 # Sources whose test programs have other names than theirs.
 TESTS_OF = {"MrRecordCheck": ["DamagedRecordTest", "StnPixelListStreamerTest", "StnEventHeaderStreamerTest"],
             "MrTraceCode": ["FadcDataTest", "MiFadcDataTest"]}
+# Headers that are changed, or include one that is.
+OWN_HEADERS = "|".join([*(f"{name}/" for name in INCLUDED_AS.values()), *(h.name for h in ROOT.glob("*/test/*.h"))])
 SANITIZERS = ["-fsanitize=address,undefined", "-fno-sanitize=vptr", "-fno-sanitize-recover=undefined"]
 
 
@@ -182,8 +184,7 @@ class Builder:
         return objects, ""
 
     def compile_with_header(self, source, output, folder):
-        options = ["-include", self.precompile(source, "(?!StnEvent/|MrEvent/|VdUtil/|VdRoot/)"),
-                   "-I", folder / "include"]
+        options = ["-include", self.precompile(source, f"(?!{OWN_HEADERS})"), "-I", folder / "include"]
         return self.compile(source, [*options, "-c", ROOT / source, "-o", output])
 
     @functools.lru_cache(maxsize=None)
