@@ -52,7 +52,7 @@ TEST(VdNumbering, FieldsHaveTheirWidths) {
   EXPECT_EQ(pixel.fBits.fStnNo, 7U);
   EXPECT_EQ(pixel.fBits.fTrigger, 1U);
   Vd::_VdPixelNumber vd_pixel;
-  vd_pixel.fPixelNumber = -1;
+  std::memset(static_cast<void*>(&vd_pixel), 0xFF, sizeof(vd_pixel));
   EXPECT_EQ(vd_pixel.fBits.fPixelNo, 16383U);
   EXPECT_EQ(vd_pixel.fBits.fBit0, 1U);
   EXPECT_EQ(vd_pixel.fBits.fBit1, 1U);
