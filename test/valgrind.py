@@ -64,7 +64,9 @@ def run(test, build, scripts, log):
 def main(build, root, out, regex=""):
     build, out = pathlib.Path(build).resolve(), pathlib.Path(out).resolve()
     out.mkdir(parents=True, exist_ok=True)
-    suppressions = " ".join(f"--suppressions={file.resolve()}" for file in sorted(pathlib.Path(root, "etc").glob("valgrind-root*.supp")))
+    ours = pathlib.Path(__file__).parent.parent / "cmake" / "valgrind.supp"
+    files = [ours.resolve(), *sorted(pathlib.Path(root, "etc").resolve().glob("valgrind-root*.supp"))]
+    suppressions = " ".join(f"--suppressions={file}" for file in files)
     make_scripts(out / "scripts", build, f"valgrind -q --num-callers=40 --log-file={out}/process-%p.log {suppressions}")
 
     def passes(test):
