@@ -191,9 +191,18 @@ bool MrRecordCheck::Skip(const char* field, ULong64_t n_bytes) {
 
 // ---- Members
 
+/// ROOT compares a version with the length of its table alone, which begins below 0: it would read behind the end.
+bool MrRecordCheck::CanLookUp(Version_t version) const {
+  R__READ_LOCKGUARD(ROOT::gCoreMutex);
+  const TObjArray* descriptions = fClass->GetStreamerInfos();
+  const Int_t end = descriptions->LowerBound() + descriptions->GetSize();
+  if (version < end || version >= descriptions->GetSize()) return true;
+  return Refuse("version", version, "at most " + std::to_string(end - 1));
+}
+
 bool MrRecordCheck::SkipMembers(Version_t version) {
   const Info* description = FindDescription(fClass, version);
-  if (!description) return true;
+  if (!description) return CanLookUp(version);
   const Members& members = GetMembers(*description);
   std::vector<Count> counts;
   for (const Member& member : members) {

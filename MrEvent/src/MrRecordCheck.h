@@ -26,8 +26,8 @@ class MrRecordCheck {
   /// For a record of the class `cl` in what stands in the buffer from here to before `end`.
   MrRecordCheck(TBuffer& buffer, UInt_t end, TClass* cl);
 
-  /// What follows the frame of a record of this version. True as well for a version that nothing describes: ROOT skips
-  /// such a record.
+  /// What follows the frame of a record of this version. True as well for a version that nothing describes, as ROOT skips
+  /// such a record; false for one that ROOT would look up behind its table of descriptions.
   bool HasMembers(Version_t version) { return SkipMembers(version); }
   /// A record with its frame.
   bool HasRecord() { return SkipRecord(); }
@@ -68,6 +68,7 @@ class MrRecordCheck {
   bool Skip(const char* field, ULong64_t n_bytes);
   bool Refuse(const char* field, UInt_t found, const std::string& expected) const;
 
+  bool CanLookUp(Version_t version) const;
   bool SkipMembers(Version_t version);
   bool SkipMember(const Member& member, const Members& members, std::vector<Count>& counts);
   bool SkipArray(const Member& member, const Count& count);

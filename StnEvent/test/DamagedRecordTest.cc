@@ -127,6 +127,27 @@ TEST_F(DamagedRecordTest, PointerToAnObjectElsewhereIsRefused) {
                 std::to_string(fBytes.size() - at - 4));
 }
 
+TEST_F(DamagedRecordTest, VersionThatRootLooksUpBehindItsTableIsRefused) {
+  const TObjArray* descriptions = TStnT3Data::Class()->GetStreamerInfos();
+  const Int_t end = descriptions->LowerBound() + descriptions->GetSize();
+  ASSERT_LT(end, descriptions->GetSize());
+  Put(fBytes, FindRecord(fBytes, "TStnT3Data") + 4, end, 2);
+  ExpectRefused("TStnT3Data::Streamer() - version: found " + std::to_string(end) + ", expected at most " +
+                std::to_string(end - 1));
+}
+
+TEST_F(DamagedRecordTest, VersionsAtBothSidesOfTheTablesEndAreLeftToRoot) {
+  const TObjArray* descriptions = TStnT3Data::Class()->GetStreamerInfos();
+  const size_t at = FindRecord(fBytes, "TStnT3Data") + 4;
+  for (const Int_t version : {descriptions->LowerBound() + descriptions->GetSize() - 1, descriptions->GetSize()}) {
+    Put(fBytes, at, version, 2);
+    TStnEvent event;
+    EXPECT_EQ(FromBytes(fBytes, event), Int_t(fBytes.size()));
+    EXPECT_EQ(fLog.Take(), "");
+    EXPECT_NE(Member<void*>(event, "fFADCData"), nullptr);
+  }
+}
+
 TEST_F(DamagedRecordTest, PointerToAnObjectOfAnotherClassIsRefused) {
   const size_t at = Find(fBytes, "TStnT3Data");
   std::copy_n("TStnEvent\0", 10, fBytes.begin() + at);
