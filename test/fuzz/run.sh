@@ -29,38 +29,37 @@ fuzz() { # TARGET
   done
 }
 
-# The first function in the stack that belongs neither to the sanitizers nor to the C library, with its file. What the
-# sanitizers put in the place of functions of that library lies in the program itself, and has no line in a source.
+# The first function in the stack that is ROOT's or ours, with its library or source. What lies above is the sanitizers' or the C
+# library's.
 culprit() { # LOG
-  grep -aE '^ +#[0-9]+ 0x' "$1" | grep -avE "fuzzer::|\\($programs/|/libc\\.so|/libstdc\\+\\+" | head -n 1
+  grep -aE '^ +#[0-9]+ 0x' "$1" | grep -m 1 -E '/ROOT/lib/|/(StnEvent|MrEvent|VdUtil)/(src|root)/|/test/fuzz/' | sed 's/.* in //' || true
 }
 
-is_in_root() { [[ $(culprit "$1") == *"/ROOT/lib/"* ]]; }
+is_ours() { [[ $1 == *.cc:* || $1 == *.h:* ]]; }
 
-# The readers of records must survive everything. Of whole files ROOT reads much by itself; what it leaves behind can end
-# the process later, so what seems to be ours is tried once more alone.
-judge() { # LOG
-  local artifact name target
-  artifact=$(sed -n 's/.*Test unit written to //p' "$1")
-  name=${artifact##*/}
-  target=${name%%-*}
+# The readers of records must survive everything. Of whole files ROOT reads much by itself and ends the process at some: these
+# only count where our own code is at work, and again when the input is tried alone, as what ROOT leaves behind can do harm later.
+judge() { # TARGET LOG
+  local artifact place
+  artifact=$(sed -n 's/.*Test unit written to //p' "$2")
   if [[ -z $artifact ]]; then
-    echo "  $1: ended without an input"
-    return 1
+    echo "  $2: ended without an input: $(grep -am 1 '^Fatal in' "$2")"
+    [[ $1 == file ]] && grep -aq '^Fatal in' "$2"
+    return
   fi
-  if [[ $target == file ]] && is_in_root "$1"; then
-    echo "  $name: in ROOT:$(culprit "$1" | sed 's/.* in//')"
-    return 0
+  place=$(culprit "$2")
+  if [[ $1 == file ]] && ! is_ours "$place"; then
+    echo "  ${artifact##*/}: in ROOT: $place"
+    return
   fi
   # shellcheck disable=SC2086 # a list
-  if "$programs/$target" $options "$artifact" > "$artifact.log" 2>&1; then
-    echo "  $name: gone when run alone"
-  elif [[ $target == file ]] && is_in_root "$artifact.log"; then
-    echo "  $name: in ROOT when run alone:$(culprit "$artifact.log" | sed 's/.* in//')"
-  else
-    echo "  $name:$(culprit "$artifact.log" | sed 's/.* in//')"
-    return 1
+  if "$programs/$1" $options "$artifact" > "$artifact.log" 2>&1; then
+    echo "  ${artifact##*/}: gone when run alone: $place"
+    return
   fi
+  place=$(culprit "$artifact.log")
+  echo "  ${artifact##*/}: when run alone: $place"
+  [[ $1 == file ]] && ! is_ours "$place"
 }
 
 export -f fuzz
@@ -73,7 +72,7 @@ for program in "$programs"/*; do
   target=${program##*/}
   echo "$target: $(cat "$found/$target".*.log | awk '/^stat::number_of_executed_units/ { n += $2 } END { print n + 0 }') inputs"
   for log in "$found/$target".*.log; do
-    if ! grep -aq '^Done [0-9]* runs' "$log"; then judge "$log" || bad=1; fi
+    if ! grep -aq '^Done [0-9]* runs' "$log"; then judge "$target" "$log" || bad=1; fi
   done
 done
 exit $bad
