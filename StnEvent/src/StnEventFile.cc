@@ -81,11 +81,9 @@ void MakeEventBranch(TTree* tree, TStnEvent** event) {
   tree->Branch(gStnBranchName, TStnEvent::Class_Name(), event, 500, 1);
 }
 
-/// The branch of `TStnEvent` with this name in a tree or below a branch, null if there is none. One of another class, in a
-/// file that is not ours, would be filled into the wrong place.
-template <class Parent>
-TBranch* FindBranch(Parent* parent, const char* name) {
-  TBranch* branch = parent->FindBranch(name);
+/// The branch if it is one of `TStnEvent`, else null. One of another class, in a file that is not ours, would be filled into
+/// the wrong place.
+TBranch* OfEvents(TBranch* branch) {
   return branch && std::strcmp(branch->GetClassName(), TStnEvent::Class_Name()) == 0 ? branch : nullptr;
 }
 
@@ -272,7 +270,7 @@ Bool_t TStnEventFile::MakeTree(TStnEvent** event) {
 }
 
 Bool_t TStnEventFile::IsEventBranchBound() {
-  TBranch* branch = FindBranch(fTree, gStnBranchName);
+  TBranch* branch = OfEvents(fTree->GetBranch(gStnBranchName));
   if (branch && branch->GetAddress()) return kTRUE;
   // The tree was found on file, and no event has been read from it: an entry would be counted and not filled.
   VD_ERROR << "TStnEventFile::WriteEvent() - no event bound to the tree !" << std::endl;
@@ -307,14 +305,14 @@ Bool_t TStnEventFile::WriteRecord(const TObject* record, const char* name) {
 
 Bool_t TStnEventFile::GetBranches(TStnEvent** event) {
   if (!fBranch) {
-    fBranch = FindBranch(fTree, gStnBranchName);
+    fBranch = OfEvents(fTree->GetBranch(gStnBranchName));
     if (!fBranch) return ReportMissingBranch(gStnBranchName);
     // One left from before `Close` went with its tree.
     fEventHeaderBranch = nullptr;
   }
   fBranch->SetAddress(event);
   // One that lies elsewhere in the tree would fill another event than that to which `event` is bound.
-  if (!fEventHeaderBranch) fEventHeaderBranch = FindBranch(fBranch, "fEventHeader");
+  if (!fEventHeaderBranch) fEventHeaderBranch = OfEvents(fBranch->FindBranch("fEventHeader"));
   return fEventHeaderBranch ? kTRUE : ReportMissingBranch("fEventHeader");
 }
 
