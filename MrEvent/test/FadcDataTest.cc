@@ -886,7 +886,7 @@ TEST(FadcDataDamaged, LaterVersionWithoutItsArraysIsRefused) {
 /// Describes a version of the class that lacks a member.
 void DescribeVersionWithout(const char* name, Version_t version) {
   auto* info = static_cast<TStreamerInfo*>(TFADCData::Class()->GetStreamerInfo()->Clone());
-  info->GetElements()->Remove(info->GetElements()->FindObject(name));
+  delete info->GetElements()->Remove(info->GetElements()->FindObject(name));
   info->GetElements()->Compress();
   info->SetClassVersion(version);
   info->SetClass(TFADCData::Class());
