@@ -11,19 +11,20 @@ export programs corpus found seconds
 # ROOT loses objects when a read fails, deletes objects by a size of its own choice, and may ask for too much memory.
 export ASAN_OPTIONS=detect_leaks=0:new_delete_type_mismatch=0:allocator_may_return_null=1:quarantine_size_mb=32:handle_abort=1
 export UBSAN_OPTIONS=print_stacktrace=1
-export options="-rss_limit_mb=3000 -timeout=60 -print_final_stats=1 -seed=${STN_FUZZ_SEED:-0}"
+export options="-rss_limit_mb=3000 -timeout=60 -print_final_stats=1"
 
 # One target, each process with a log of its own. ROOT does not survive all whole files that it is given: that target then
 # begins again with what is left of its time.
 fuzz() { # TARGET
-  local end=$((SECONDS + seconds)) n=0 more=""
+  local end=$((SECONDS + seconds)) n=0 more="" seed=0
   if [[ $1 == file ]]; then more="-max_len=24000"; fi
   mkdir -p "$found/$1"
   cd "$found/$1"
   while ((SECONDS < end)); do
     n=$((n + 1))
+    if [[ -n ${STN_FUZZ_SEED:-} ]]; then seed=$((STN_FUZZ_SEED + n)); fi
     # shellcheck disable=SC2086 # lists
-    "$programs/$1" $options $more -max_total_time=$((end - SECONDS)) -artifact_prefix="$found/$1-" . "$corpus/$1" \
+    "$programs/$1" $options $more -seed=$seed -max_total_time=$((end - SECONDS)) -artifact_prefix="$found/$1-" . "$corpus/$1" \
       > "$found/$1.$n.log" 2>&1 && break
     [[ $1 == file ]] || break
   done
