@@ -67,17 +67,20 @@ def events_of_baskets(good):
 
 
 def events_on_disk(disk, good):
-    """The events whose baskets are all there, and known to be theirs: the tree says so, or all baskets before them are there."""
+    """The events whose baskets are all there, and those of them that nothing places: without the tree the number of an event
+    is only known as long as no basket before it is lost."""
 
     def is_there(record):
         return disk[record.start : record.end] == good[record.start : record.end]
 
     has_tree = any(is_there(record) for record in surgery.records(good) if record.class_name == "TTree")
-    lost = set()
+    lost, unplaced = set(), set()
     for record, entries in events_of_baskets(good):
         if not is_there(record):
-            lost |= set(entries if has_tree else range(entries.start, EVENTS))
-    return set(range(EVENTS)) - lost
+            lost |= set(entries)
+            unplaced |= set(() if has_tree else range(entries.start, EVENTS))
+    whole = set(range(EVENTS)) - lost
+    return whole, whole & unplaced
 
 
 def sums(outcome):
@@ -99,7 +102,8 @@ def try_disk(disk, good, expected, folder, reader):
     with open(given, "rb") as file:
         if file.read() != disk:
             return "the file given was changed"
-    on_disk = {expected[entry] for entry in events_on_disk(disk, good)}
+    whole, unplaced = events_on_disk(disk, good)
+    on_disk = {expected[entry] for entry in whole - unplaced}
     if done.returncode not in (0, 1, 3) or not done.stdout + done.stderr:
         return f"stn-recover ended with {done.returncode} {done.stderr}"
     if invented := set(found) - set(expected):
@@ -128,17 +132,19 @@ def main():
         if calls[-1] is not None:
             sys.exit("the file got its name before it was synced")
         expected = sums(reader.read(path))
-        tried, on_disk, failures = 0, 0, []
+        tried, n_whole, n_unplaced, failures = 0, 0, 0, []
         for name, writes in disks(calls, chance):
             if chance.random() >= part:
                 continue
             disk = replay(writes)
             tried += 1
-            on_disk += len(events_on_disk(disk, good))
+            whole, unplaced = events_on_disk(disk, good)
+            n_whole += len(whole)
+            n_unplaced += len(unplaced)
             if wrong := try_disk(disk, good, expected, folder, reader):
                 failures.append(f"{name}: {wrong}")
-    print(f"{calls.count(None)} syncs and {len(calls) - calls.count(None)} writes, {tried} disks with {on_disk} events: "
-          f"{len(failures)} failures")  # fmt: skip
+    print(f"{calls.count(None)} syncs and {len(calls) - calls.count(None)} writes, {tried} disks with {n_whole} whole events, "
+          f"{n_unplaced} of them in no known place: {len(failures)} failures")  # fmt: skip
     print(*failures, sep="\n")
     return 1 if failures or not tried else 0
 
